@@ -1,0 +1,50 @@
+// The phone's string helpers: what a typed key means, what matches it, and the bounds of a page.
+//
+// All functions are pure, may be called from any thread and take any bytes: text is UTF-8, and bytes that are not UTF-8
+// pass through unharmed. Folding is Unicode's (https://www.unicode.org/reports/tr15/, full case folding, compatibility
+// decomposition), without the phone's locale.
+#pragma once
+
+#include <string>
+
+enum StringConvertType {
+    STRING_CONVERT_SEARCH_KEY = 1,
+};
+
+enum TrimType {
+    TRIM_TYPE_BOTH_ENDS = 1,
+};
+
+enum StringMatchType {
+    STRING_MATCH_CONTAINS = 1,
+};
+
+// The key that is searched for when strText is typed. STRING_CONVERT_SEARCH_KEY: letter case and width are folded (full
+// width digits and letters become ASCII), blanks at both ends are trimmed, and in what is plainly a number (digits, "*"
+// and "#" with blanks, dashes, dots, brackets between them and at most one "+" in front) all but the digits, "*" and "#"
+// is dropped. Converting a converted key changes nothing.
+std::string CommonAPI_StringConvert(const std::string& strText, StringConvertType eType);
+
+// True when the converted key strKey is to be matched as keypad digits: it is not empty and consists of digits, "*" and
+// "#" only.
+bool CommonAPI_IsSearchByT9(const std::string& strKey);
+
+// strText without the characters of strChars. TRIM_TYPE_BOTH_ENDS: at both ends.
+std::string CommonAPI_TrimString(const std::string& strText, const std::string& strChars, TrimType eType);
+
+// Non-zero when strText matches strKey. STRING_MATCH_CONTAINS: strKey occurs anywhere in strText, where letter case,
+// accents and width make no difference (bWholeWord false), or with no letter or digit beside it (bWholeWord true). An empty
+// strKey matches everything.
+int CommonAPI_StringMatch(const std::string& strText, const std::string& strKey, bool bWholeWord,
+                          StringMatchType eType);
+
+// The keypad form of a name: each letter as the digit of its key by ITU-T E.161 (abc 2, def 3, ghi 4, jkl 5, mno 6,
+// pqrs 7, tuv 8, wxyz 9), accents, case and width folded first; digits, "*" and "#" stay. What has no key (blanks,
+// hyphens, apostrophes, other scripts) is left out, so that typing only the letters of a name finds it: "Ann-Marie
+// O'Neil" becomes 2666274366345 and is found by 266627.
+std::string CommonUnits_ToKeyString(const std::string& strName);
+
+// The bounds of a page: the first row index and the index one past the last for iSearchCount rows from iFromIndex on. A
+// count of 0 means all rows from there on. Neither bound passes iMaxIndex, and nothing overflows. Zero, with *piFirst and
+// *piEnd left as they are, when a number is negative or a pointer null; else non-zero.
+int CommonAPI_GetFromAndToIndex(int* piFirst, int* piEnd, int iFromIndex, int iSearchCount, int iMaxIndex);
