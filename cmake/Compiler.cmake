@@ -1,0 +1,45 @@
+# The language, the warnings and the sanitizers, the same for every target.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+if(NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  find_program(WIDESEEK_CCACHE ccache)
+  mark_as_advanced(WIDESEEK_CCACHE)
+  if(WIDESEEK_CCACHE)
+    set(CMAKE_CXX_COMPILER_LAUNCHER "${WIDESEEK_CCACHE}")
+  endif()
+endif()
+
+# What every target of this repository is compiled with.
+add_library(wideseek_settings INTERFACE)
+target_include_directories(wideseek_settings INTERFACE "${PROJECT_SOURCE_DIR}")
+target_compile_options(
+  wideseek_settings
+  INTERFACE
+    -Wall
+    -Wextra
+    -Wpedantic
+    -Wshadow
+    -Wconversion
+    -Wsign-conversion
+    -Wnon-virtual-dtor
+    -Woverloaded-virtual
+    -Wold-style-cast
+    -Wcast-qual
+    -Wformat=2
+    -Wimplicit-fallthrough
+    -Wunused
+    -Werror
+    $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety>
+    $<$<CXX_COMPILER_ID:GNU>:-Wduplicated-cond>
+    $<$<CXX_COMPILER_ID:GNU>:-Wlogical-op>)
+
+if(WIDESEEK_SANITIZE)
+  list(JOIN WIDESEEK_SANITIZE "," sanitizers)
+  target_compile_options(wideseek_settings INTERFACE -fsanitize=${sanitizers} -fno-omit-frame-pointer
+                                                     -fno-sanitize-recover=all)
+  target_link_options(wideseek_settings INTERFACE -fsanitize=${sanitizers})
+endif()

@@ -1,0 +1,23 @@
+# libwideseek_host.so: the phone on a workstation.
+
+find_package(PkgConfig REQUIRED)
+find_package(Threads REQUIRED)
+find_package(nlohmann_json REQUIRED)
+pkg_check_modules(utf8proc REQUIRED IMPORTED_TARGET libutf8proc)
+pkg_check_modules(inih REQUIRED IMPORTED_TARGET INIReader)
+pkg_check_modules(ldap REQUIRED IMPORTED_TARGET ldap lber)
+find_path(CSV_INCLUDE_DIR csv.h REQUIRED)
+find_library(CSV_LIBRARY csv REQUIRED)
+mark_as_advanced(CSV_INCLUDE_DIR CSV_LIBRARY)
+
+file(GLOB sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/host/*.cpp" "${PROJECT_SOURCE_DIR}/host/*/*.cpp")
+if(sources)
+  add_library(wideseek_host SHARED ${sources})
+  target_include_directories(wideseek_host SYSTEM PRIVATE "${CSV_INCLUDE_DIR}")
+  target_include_directories(wideseek_host INTERFACE "${PROJECT_SOURCE_DIR}")
+  target_link_libraries(
+    wideseek_host
+    PRIVATE wideseek_settings PkgConfig::utf8proc PkgConfig::inih PkgConfig::ldap "${CSV_LIBRARY}"
+            nlohmann_json::nlohmann_json
+    PUBLIC Threads::Threads)
+endif()
