@@ -1,16 +1,23 @@
-# One executable per tests/fuzz/NAME_fuzz.cpp, with everything it runs instrumented.
+# One executable per tests/fuzz/NAME_fuzz.cpp. Everything that it runs is instrumented, so that the fuzzer sees which
+# branches of the module and the host an input reaches.
 
 if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
-  message(FATAL_ERROR "WIDESEEK_FUZZ needs Clang: configure with -DCMAKE_CXX_COMPILER=clang++ or the preset 'fuzz'")
+  message(FATAL_ERROR "WIDESEEK_FUZZ needs Clang: configure with --preset fuzz or -DCMAKE_CXX_COMPILER=clang++")
 endif()
 
 file(GLOB sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/tests/fuzz/*_fuzz.cpp")
 file(GLOB support CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/tests/support/*.cpp")
+foreach(library IN ITEMS wideseek_objects wideseek_host)
+  if(TARGET ${library})
+    target_compile_options(${library} PRIVATE -fsanitize=fuzzer-no-link)
+  endif()
+endforeach()
 foreach(source IN LISTS sources)
   cmake_path(GET source STEM name)
   add_executable(${name} ${source} ${support})
-  target_link_libraries(${name} PRIVATE wideseek_settings nlohmann_json::nlohmann_json)
+  target_compile_options(${name} PRIVATE -fsanitize=fuzzer)
   target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+  target_link_libraries(${name} PRIVATE wideseek_settings nlohmann_json::nlohmann_json)
   foreach(library IN ITEMS wideseek_objects wideseek_host)
     if(TARGET ${library})
       target_link_libraries(${name} PRIVATE ${library})

@@ -20,4 +20,8 @@ if(sources)
     PRIVATE wideseek_settings PkgConfig::utf8proc PkgConfig::inih PkgConfig::ldap "${CSV_LIBRARY}"
             nlohmann_json::nlohmann_json
     PUBLIC Threads::Threads)
+  if(NOT WIDESEEK_SANITIZE)
+    # The sanitizers' runtime is in the executable, so their calls are undefined here.
+    target_link_options(wideseek_host PRIVATE LINKER:--no-undefined)
+  endif()
 endif()
