@@ -8,8 +8,7 @@
 #include <utility>
 
 // A doubly linked list between two sentinel nodes. Elements run from m_pHead->pNext up to, not including, m_pTail.
-template <typename T>
-class OxList {
+template <typename T> class OxList {
 public:
     struct _inner_node {
         _inner_node* pNext = nullptr;
@@ -67,8 +66,7 @@ private:
 };
 
 // An array of pointers to elements that live in heap blocks of their own; a slot may be null.
-template <typename T>
-class OxVector {
+template <typename T> class OxVector {
 public:
     OxVector() : m_ppItem(new T*[0]), m_iCount(0), m_iCapacity(0) {}
 

@@ -1,0 +1,293 @@
+// Buckets into pages: when a page can be sent, cutting it, narrowing, sending it.
+
+#include "app/Gui/Logic/Wideseek/WideseekAction.h"
+#include "app/Gui/Logic/Wideseek/WideseekController.h"
+#include "app/Gui/Logic/Wideseek/WideseekInternal.h"
+#include "app/Gui/Logic/Wideseek/modWideseek.h"
+#include "platform/AppLog.h"
+#include "platform/CommonAPI.h"
+
+#include <iterator>
+#include <utility>
+
+namespace NS_WS {
+
+namespace {
+
+constexpr int MAX_INDEX = 0x00ffffff;
+constexpr int CHECK_PERIOD_MS = 100;
+constexpr unsigned int MSG_THREAD_TIMER = 0x8113;
+
+WideseekItemData PageRowOf(const CWideseekAction::ItemData& item) {
+    return {item.strName, item.strNumber, item.strExtra1, item.strExtra2, item.iExtra};
+}
+
+bool IsMatch(const std::string& strField, const std::string& strKey) {
+    return CommonAPI_StringMatch(strField, strKey, false, STRING_MATCH_CONTAINS) != 0;
+}
+
+bool IsNumberMatch(const std::string& strNumber, const std::string& strKey) {
+    return IsMatch(CommonAPI_TrimString(strNumber, "+", TRIM_TYPE_BOTH_ENDS), strKey);
+}
+
+} // namespace
+
+bool CWideseekAction::MyRefreshResult() {
+    MyClearResult();
+    WideseekCfgListData list;
+    CWideseekController::LendEnableCfgList(&list);
+    for (const WideseekCfgItemData& item : list.listItem) {
+        if (item.strIdName.empty()) {
+            continue;
+        }
+        ResultData* pBucket = WS_NEW("app/Gui/Logic/Wideseek/WideseekAction") ResultData;
+        if (pBucket != nullptr) {
+            pBucket->strType = item.strIdName;
+            pBucket->iState = RESULT_STATE_PENDING;
+            m_listResultData.push_back(pBucket);
+        }
+    }
+    return true;
+}
+
+bool CWideseekAction::MyClearResult() {
+    app_log(LOG_MODULE_WIDESEEK, LOG_LEVEL_INFO, "MyClearResult-----------LOCK-----------------\n");
+    m_csResult.Lock();
+    while (!m_listResultData.empty()) {
+        TrackedDelete(m_listResultData.front());
+        m_listResultData.pop_front();
+    }
+    app_log(LOG_MODULE_WIDESEEK, LOG_LEVEL_INFO, "MyClearResult----------- UN LOCK-----------------\n");
+    m_csResult.Unlock();
+    m_mapFilter.clear();
+    return true;
+}
+
+bool CWideseekAction::MyCheckResult(std::string strKey, std::string strRawKey) {
+    if (!MyHasCallback()) {
+        return false;
+    }
+    long long llRows = 0;
+    bool bAllFinished = true;
+    bool bSearching = false;
+    for (const ResultData* pBucket : m_listResultData) {
+        if (pBucket->iState == RESULT_STATE_SEARCHING) {
+            bSearching = true;
+            break;
+        }
+        if (pBucket->iState == RESULT_STATE_PENDING) {
+            bAllFinished = false;
+        }
+        llRows += static_cast<long long>(pBucket->listItem.size());
+    }
+    if (bAllFinished && !bSearching) {
+        return MyCopyResult(strKey, strRawKey);
+    }
+    long long llTarget = static_cast<long long>(GetFromIndex()) + GetSearchCount();
+    if (llTarget == 0) {
+        llTarget = MAX_INDEX;
+    }
+    if (llTarget <= llRows) {
+        MyCopyResult(strKey, strRawKey);
+    } else if (bSearching && !m_bTimerWaiting) {
+        MyArmTimer();
+    }
+    return true;
+}
+
+void CWideseekAction::MyArmTimer() {
+    if (m_timerCheck.IsTimerRuning()) {
+        m_timerCheck.KillTimer();
+    }
+    using Handler = int (ETL_MsgQueueHelper::chMsgProcesser::*)(ETL_MsgQueueHelper::msgObject&);
+    m_timerCheck.SetTimer(CHECK_PERIOD_MS, nullptr, this, static_cast<Handler>(&CWideseekAction::MyDealTimeoutMessage));
+    m_bTimerWaiting = true;
+}
+
+int CWideseekAction::OnMessage(ETL_MsgQueueHelper::msgObject& msg) {
+    return msg.uMessageId == MSG_THREAD_TIMER ? MyDealTimeoutMessage(msg) : 0;
+}
+
+int CWideseekAction::MyDealTimeoutMessage(ETL_MsgQueueHelper::msgObject& /*msg*/) {
+    const CLock lock(m_csWork);
+    if (m_timerCheck.IsTimerRuning()) {
+        m_timerCheck.KillTimer();
+    }
+    if (m_strKey.empty()) {
+        // The search that armed the timer has been cleared away; the recent calls that took its place stay.
+        return 0;
+    }
+    std::list<ResultData*> listSearching;
+    for (auto it = m_listResultData.begin(); it != m_listResultData.end();) {
+        const auto itBucket = it++;
+        if ((*itBucket)->iState == RESULT_STATE_SEARCHING) {
+            listSearching.splice(listSearching.end(), m_listResultData, itBucket);
+        }
+    }
+    m_listResultData.splice(m_listResultData.end(), listSearching);
+    return MyCopyResult(m_strKey, m_strRawKey) ? 1 : 0;
+}
+
+bool CWideseekAction::MyCopyResult(std::string strKey, std::string strRawKey) {
+    MyEmptyPage();
+    int iFirst = -1;
+    int iEnd = -1;
+    if (!MyGetPageBounds(iFirst, iEnd) || !MyIsCurrent(strKey)) {
+        return false;
+    }
+    WideseekListData page;
+    int iIndex = -1;
+    app_log(LOG_MODULE_WIDESEEK, LOG_LEVEL_INFO, "MyCopyResult-----------LOCK-----------------\n");
+    m_csResult.Lock();
+    for (const ResultData* pBucket : m_listResultData) {
+        if (pBucket->iState != RESULT_STATE_DONE) {
+            continue;
+        }
+        for (const ItemData& item : pBucket->listItem) {
+            if (item.IsBlank()) {
+                continue;
+            }
+            ++iIndex;
+            if (iFirst <= iIndex && iIndex < iEnd) {
+                page.listItem.push_back(PageRowOf(item));
+            }
+        }
+    }
+    app_log(LOG_MODULE_WIDESEEK, LOG_LEVEL_INFO, "CWideseekAction::MyCopyResult----------- UN LOCK-----------------\n");
+    m_csResult.Unlock();
+    page.iTotalCount = iIndex + 1;
+    page.strKey = strRawKey;
+    MySetPage(page);
+    MyMarkSearched(strKey);
+    MyCallback(strKey, strRawKey);
+    return true;
+}
+
+bool CWideseekAction::MySearchFromResult(std::string strKey, std::string strRawKey) {
+    int iFirst = -1;
+    int iEnd = -1;
+    if (!MyGetPageBounds(iFirst, iEnd) || !MyIsCurrent(strKey)) {
+        // LDAP has been asked for this key already, so the buckets are no longer the result for any one key.
+        MyForgetSearched();
+        return false;
+    }
+    WideseekListData page;
+    app_log(LOG_MODULE_WIDESEEK, LOG_LEVEL_INFO, ":MySearchFromResult----------- LOCK-----------------\n");
+    m_csResult.Lock();
+    MyNarrowRows(strKey, iFirst, iEnd, page);
+    app_log(LOG_MODULE_WIDESEEK, LOG_LEVEL_INFO, ":MySearchFromResult----------- UN LOCK-----------------\n");
+    m_csResult.Unlock();
+    page.strKey = strRawKey;
+    MySetPage(page);
+    MyMarkSearched(strKey);
+    MyCallback(strKey, strRawKey);
+    return true;
+}
+
+void CWideseekAction::MyNarrowRows(const std::string& strKey, int iFirst, int iEnd, WideseekListData& page) {
+    int iIndex = -1;
+    for (ResultData* pBucket : m_listResultData) {
+        if (pBucket->iState != RESULT_STATE_DONE) {
+            continue;
+        }
+        for (auto it = pBucket->listItem.begin(); it != pBucket->listItem.end();) {
+            if (it->IsBlank()) {
+                ++it;
+            } else if (!MyIsMatch(*it, strKey)) {
+                MyRemoveFilter(*it);
+                it = pBucket->listItem.erase(it);
+            } else {
+                ++iIndex;
+                if (iFirst <= iIndex && iIndex < iEnd) {
+                    page.listItem.push_back(PageRowOf(*it));
+                }
+                ++it;
+            }
+        }
+    }
+    page.iTotalCount = iIndex + 1;
+}
+
+bool CWideseekAction::MyIsMatch(const ItemData& item, const std::string& strKey) const {
+    switch (m_iSearchMode) {
+    case SEARCH_MODE_T9:
+        return IsNumberMatch(item.strNumber, strKey) || IsNumberMatch(item.strNumber2, strKey) ||
+               IsNumberMatch(item.strNumber3, strKey) || IsMatch(item.strNameKey, strKey);
+    case SEARCH_MODE_TEXT:
+        return IsMatch(item.strName, strKey);
+    default:
+        return false;
+    }
+}
+
+bool CWideseekAction::MyCallback(std::string strKey, std::string strRawKey) {
+    int iFirst = -1;
+    int iEnd = -1;
+    if (!MyGetPageBounds(iFirst, iEnd) || !MyIsCurrent(strKey) || !MyHasCallback()) {
+        return false;
+    }
+    CWideseekCBData* pData = Wideseek_CreateSearchCBAction();
+    if (pData == nullptr || pData->GetResultListPtr() == nullptr || m_pResultList == nullptr) {
+        SetResultCode(RESULT_CODE_MISSING);
+        Wideseek_DestroySearchCBAction(pData);
+        return false;
+    }
+    {
+        const CLock lock(m_csPage);
+        pData->GetResultListPtr()->listItem = m_pResultList->listItem;
+        pData->SetFromIndex(m_pResultList->iFromIndex);
+        pData->SetSearchCount(m_pResultList->iSearchCount);
+        pData->SetTotalCount(m_pResultList->iTotalCount);
+    }
+    pData->SetKey(strRawKey);
+    pData->SetResultCode(0);
+    const bool bSent = MySend(pData, strKey);
+    Wideseek_DestroySearchCBAction(pData);
+    return bSent;
+}
+
+bool CWideseekAction::MySend(CWideseekCBData* pData, const std::string& strKey) {
+    // Posting under the lock makes a detach wait for it, and keeps a newer request from coming between the last look at
+    // what is current and the end of the callback object.
+    const CLock lock(m_csRequest);
+    if (!MyIsCurrentLocked(strKey) || m_pCallback == nullptr) {
+        return false;
+    }
+    m_pCallback->SendMessageToCallingThread(pData);
+    m_pCallback = nullptr;
+    return true;
+}
+
+void CWideseekAction::MyRestoreCallback() {
+    const CLock lock(m_csRequest);
+    if (!m_bStopped && m_requestNext.uSerial == m_uSerial) {
+        m_pCallback = m_pLastCallback;
+    }
+}
+
+bool CWideseekAction::MyGetPageBounds(int& iFirst, int& iEnd) {
+    if (CommonAPI_GetFromAndToIndex(&iFirst, &iEnd, GetFromIndex(), GetSearchCount(), MAX_INDEX) == 0) {
+        SetResultCode(RESULT_CODE_RANGE);
+        return false;
+    }
+    return true;
+}
+
+void CWideseekAction::MyEmptyPage() {
+    std::list<WideseekItemData> listItem;
+    const CLock lock(m_csPage);
+    if (m_pResultList != nullptr) {
+        m_pResultList->listItem.swap(listItem);
+    }
+}
+
+void CWideseekAction::MySetPage(WideseekListData& page) {
+    page.iFromIndex = GetFromIndex();
+    page.iSearchCount = GetSearchCount();
+    const CLock lock(m_csPage);
+    if (m_pResultList != nullptr) {
+        std::swap(*m_pResultList, page);
+    }
+}
+
+} // namespace NS_WS

@@ -1,0 +1,81 @@
+#include "app/Gui/Logic/Wideseek/WideseekCBData.h"
+
+#include "app/Gui/Logic/Wideseek/WideseekInternal.h"
+
+namespace NS_WS {
+
+CWideseekCBData::CWideseekCBData() : m_pResultList(nullptr) {
+    SetTypeId(TYPE_ID);
+    m_pResultList = WS_NEW("app/Gui/Logic/Wideseek/WideseekAction") WideseekListData;
+}
+
+CWideseekCBData::~CWideseekCBData() {
+    TrackedDelete(m_pResultList);
+    m_pResultList = nullptr;
+}
+
+bool CWideseekCBData::Exec() {
+    return true;
+}
+
+WideseekListData* CWideseekCBData::GetResultListPtr() {
+    return m_pResultList;
+}
+
+WideseekListData CWideseekCBData::GetResultList() const {
+    return m_pResultList != nullptr ? *m_pResultList : WideseekListData();
+}
+
+std::string CWideseekCBData::GetKey() const {
+    return m_pResultList != nullptr ? m_pResultList->strKey : std::string();
+}
+
+void CWideseekCBData::SetKey(const std::string& strKey) {
+    if (m_pResultList != nullptr) {
+        m_pResultList->strKey = strKey;
+    }
+}
+
+int CWideseekCBData::GetFromIndex() const {
+    return m_pResultList != nullptr ? m_pResultList->iFromIndex : -1;
+}
+
+void CWideseekCBData::SetFromIndex(int iFromIndex) {
+    if (m_pResultList != nullptr) {
+        m_pResultList->iFromIndex = iFromIndex;
+    }
+}
+
+int CWideseekCBData::GetSearchCount() const {
+    return m_pResultList != nullptr ? m_pResultList->iSearchCount : -1;
+}
+
+void CWideseekCBData::SetSearchCount(int iSearchCount) {
+    if (m_pResultList != nullptr) {
+        m_pResultList->iSearchCount = iSearchCount;
+    }
+}
+
+int CWideseekCBData::GetTotalCount() const {
+    return m_pResultList != nullptr ? m_pResultList->iTotalCount : -1;
+}
+
+void CWideseekCBData::SetTotalCount(int iTotalCount) {
+    if (m_pResultList != nullptr) {
+        m_pResultList->iTotalCount = iTotalCount;
+    }
+}
+
+void CWideseekCBData::AppendResult(const WideseekItemData& item) {
+    if (m_pResultList != nullptr) {
+        m_pResultList->listItem.push_back(item);
+    }
+}
+
+void CWideseekCBData::ResetResultList() {
+    if (m_pResultList != nullptr) {
+        m_pResultList->listItem.clear();
+    }
+}
+
+} // namespace NS_WS
