@@ -1,0 +1,56 @@
+#!/usr/bin/env bash
+# Configures and builds one preset, quietly: one line when there is something to build, the compiler's words when it
+# fails, nothing otherwise.
+#
+#   scripts/build.sh PRESET [TARGET...]
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+preset=$1
+shift
+build=build/$preset
+mkdir -p "$build"
+
+# Two runs at the same time take turns.
+exec 9>"$build/.lock"
+flock 9
+
+fail() {
+    printf 'build: %s\n' "$@" >&2
+    exit 1
+}
+
+# A tree that was moved or copied brings a cache that names its old place.
+if [[ -f $build/CMakeCache.txt ]] && ! grep -qxF "CMAKE_HOME_DIRECTORY:INTERNAL=$PWD" "$build/CMakeCache.txt"; then
+    rm -rf "$build/CMakeCache.txt" "$build/CMakeFiles"
+fi
+
+log=$build/build.log
+announced=no
+if [[ ! -f $build/build.ninja ]]; then
+    echo "Building (preset $preset, the first time; about a minute) ..." >&2
+    announced=yes
+fi
+if [[ ! -f $build/build.ninja || CMakePresets.json -nt $build/build.ninja ]]; then
+    if ! cmake --preset "$preset" >"$log" 2>&1; then
+        cat "$log" >&2
+        fail "CMake could not set up the build in $build; its words are above" \
+            "scripts/install-deps.sh installs what is missing; remove $build to begin anew"
+    fi
+fi
+
+announce_first_step() {
+    local line
+    while IFS= read -r line; do
+        if [[ $announced == no && $line == \[*\]\ @(Building|Linking)* ]]; then
+            echo "Building what has changed (preset $preset) ..." >&2
+            announced=yes
+        fi
+    done
+}
+
+if ! cmake --build "$build" -j "$(nproc)" ${1:+--target "$@"} 2>&1 | tee "$log" | announce_first_step; then
+    sed -n '/^FAILED:/,$p;/CMake Error/,$p' "$log" | head -n 200 >&2
+    fail "the build in $build failed; the whole log is $log" \
+        "after a change of compilers or packages, remove $build and run again"
+fi
