@@ -1,0 +1,82 @@
+#!/usr/bin/env bash
+# The one command that checks everything. Each check may be run alone.
+#
+#   scripts/check.sh             all checks, run and reported by ctest
+#   scripts/check.sh NAME        one check, with its own words
+#   scripts/check.sh NAME NAME.. these checks, run and reported by ctest
+#
+#   format   sources are as clang-format writes them          (check-format.sh)
+#   headers  headers stand alone; nobody includes across      (check-headers.sh)
+#   symbols  libWideseek.so shows and needs what it should    (check-symbols.sh)
+#   lint     clang-tidy                                       (check-lint.sh)
+#   tests    all tests, built by GCC                          (test.sh)
+#   clang    all tests, built by Clang with its thread safety analysis
+#   asan     all tests, with AddressSanitizer, LeakSanitizer and UndefinedBehaviorSanitizer
+#   tsan     all tests, with ThreadSanitizer
+#   fuzz     each fuzz target for a few seconds
+#   run      everything builds for release, run.sh shows its demonstration, and has nothing to do the second time
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+checks=(format headers symbols lint tests clang asan tsan fuzz run)
+
+# Builds a preset and runs its tests. ThreadSanitizer cannot work where addresses are randomised as far as newer kernels
+# do it, hence no randomisation where that may be switched off.
+test_preset() {
+    local as_is=()
+    setarch -R true 2>/dev/null && as_is=(setarch -R)
+    "${as_is[@]}" scripts/build.sh "$1"
+    "${as_is[@]}" ctest --preset "$1"
+}
+
+check_fuzz() {
+    local target name corpus
+    scripts/build.sh fuzz
+    for target in tests/fuzz/*_fuzz.cpp; do
+        [[ -e $target ]] || continue
+        name=$(basename "$target" .cpp)
+        corpus=build/fuzz/corpus/$name
+        mkdir -p "$corpus"
+        echo "$name, ${WIDESEEK_FUZZ_SECONDS:=15} seconds"
+        "build/fuzz/$name" -max_total_time="$WIDESEEK_FUZZ_SECONDS" -verbosity=0 -print_final_stats=1 \
+            -artifact_prefix="build/fuzz/" "$corpus" $(find "tests/fuzz/${name%_fuzz}" -maxdepth 0 2>/dev/null || true)
+    done
+}
+
+check_run() {
+    local words
+    scripts/install-deps.sh run bench
+    scripts/build.sh release
+    ./run.sh </dev/null
+    words=$(./run.sh 2>&1 >/dev/null </dev/null)
+    if [[ -n $words ]]; then
+        printf 'run.sh has nothing to do the second time, yet it says:\n%s\n' "$words" >&2
+        return 1
+    fi
+}
+
+run_check() {
+    case $1 in
+    format | headers | symbols | lint) "scripts/check-$1.sh" ;;
+    tests) ./test.sh ;;
+    clang | asan | tsan) test_preset "$1" ;;
+    fuzz) check_fuzz ;;
+    run) check_run ;;
+    esac
+}
+
+for name in "$@"; do
+    if [[ " ${checks[*]} " != *" $name "* ]]; then
+        printf 'check: there is no check "%s"; the checks are: %s\n' "$name" "${checks[*]}" >&2
+        exit 2
+    fi
+done
+
+scripts/install-deps.sh run test check
+if (($# == 1)); then
+    run_check "$1"
+else
+    (($#)) || set -- "${checks[@]}"
+    cmake -S scripts/checks -B build/checks "-DWIDESEEK_CHECKS=$(IFS=';' && echo "$*")" >/dev/null
+    exec ctest --test-dir build/checks --output-on-failure --no-tests=error
+fi
