@@ -1,0 +1,58 @@
+// The phone's string helpers (platform/CommonAPI.h).
+#include "platform/CommonAPI.h"
+
+#include "host/text/Find.h"
+#include "host/text/Fold.h"
+#include "host/text/Key.h"
+
+#include <algorithm>
+
+std::string CommonAPI_StringConvert(const std::string& strText, StringConvertType eType) {
+    return eType == STRING_CONVERT_SEARCH_KEY ? host::text::convertKey(strText) : strText;
+}
+
+bool CommonAPI_IsSearchByT9(const std::string& strKey) {
+    return host::text::isKeypadKey(strKey);
+}
+
+std::string CommonAPI_TrimString(const std::string& strText, const std::string& strChars, TrimType eType) {
+    if (eType != TRIM_TYPE_BOTH_ENDS) {
+        return strText;
+    }
+    const std::size_t begin = strText.find_first_not_of(strChars);
+    if (begin == std::string::npos) {
+        return {};
+    }
+    return strText.substr(begin, strText.find_last_not_of(strChars) - begin + 1);
+}
+
+int CommonAPI_StringMatch(const std::string& strText, const std::string& strKey, bool bWholeWord,
+                          StringMatchType eType) {
+    if (eType != STRING_MATCH_CONTAINS) {
+        return 0;
+    }
+    // A search asks for the same key row after row.
+    thread_local host::text::FieldMatcher matcher;
+    if (matcher.key() != strKey) {
+        matcher.setKey(strKey);
+    }
+    return (bWholeWord ? matcher.isWordIn(strText) : matcher.isIn(strText)) ? 1 : 0;
+}
+
+std::string CommonUnits_ToKeyString(const std::string& strName) {
+    const std::string name = host::text::folded(strName);
+    std::string form;
+    form.reserve(name.size());
+    host::text::appendKeypadForm(name, form);
+    return form;
+}
+
+int CommonAPI_GetFromAndToIndex(int* piFirst, int* piEnd, int iFromIndex, int iSearchCount, int iMaxIndex) {
+    if (piFirst == nullptr || piEnd == nullptr || iFromIndex < 0 || iSearchCount < 0 || iMaxIndex < 0) {
+        return 0;
+    }
+    *piFirst = std::min(iFromIndex, iMaxIndex);
+    const int iRest = iMaxIndex - *piFirst;
+    *piEnd = *piFirst + (iSearchCount == 0 ? iRest : std::min(iSearchCount, iRest));
+    return 1;
+}

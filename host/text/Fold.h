@@ -1,0 +1,33 @@
+// Text as it is compared: without letter case, accents and width.
+//
+// The folded form of a text is the concatenation of the folded forms of its characters. What a text begins with
+// therefore folds to what its folded form begins with; narrowing a result from a key to a longer key rests on this.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace host::text {
+
+// The character at the front of text, and how many bytes it takes.
+struct Character {
+    std::int32_t codePoint = -1; // -1: the byte there is not UTF-8
+    std::size_t size = 0;        // 0 at the end of text, 1 for a byte that is not UTF-8
+};
+Character firstCharacter(std::string_view text);
+
+// Unicode's White_Space (UAX #44).
+bool isBlank(std::int32_t codePoint);
+
+// text without the blanks at both ends.
+std::string_view trimBlanks(std::string_view text);
+
+// Appends the folded form of text to out: full case folding and compatibility decomposition (Unicode, UAX #15), without
+// combining marks and invisible characters (Default_Ignorable_Code_Point). Letters whose stroke or ligature Unicode
+// does not decompose become what people type for them (o for ø, ae for æ). Bytes that are not UTF-8, and NUL, stay as
+// they are.
+void appendFolded(std::string_view text, std::string& out);
+std::string folded(std::string_view text);
+
+} // namespace host::text
