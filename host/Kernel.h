@@ -4,16 +4,18 @@
 // runs, for which object, and what it does. One implementation of queues serves both drivers, so that what the tests
 // prove is what the tool runs; only "what time is it", "wait" and "start a thread" differ:
 //
-//   live     every named thread is a real thread; time is the steady clock. The main thread is the caller's own: it works
+//   live     every named thread is a real thread; time is the steady clock. The main thread is the caller's own: it
+//   works
 //            its queue while it is in serveMain.
 //   stepped  there are no threads; time stands still until a test moves it. Whoever calls step or advance works the
 //            messages, in order or in whatever order it chooses.
 //
-// A message holds what it needs alive; what it holds is let go of outside the kernel's lock. The lock is a leaf: nothing
-// is called with it held.
+// A message holds what it needs alive; what it holds is let go of outside the kernel's lock. The lock is a leaf:
+// nothing is called with it held. A message must not work other messages: no step, advance or serveMain from a handler.
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -72,25 +74,26 @@ public:
     // Time since the kernel was made. Any thread.
     Duration now() const;
 
-    // Queues work for thread (null: the main thread), due delay from now. False, and work is let go of, when the kernel has
-    // been stopped. Any thread.
+    // Queues work for thread (null: the main thread), due delay from now. False, and work is let go of, when the kernel
+    // has been stopped. Any thread.
     bool post(MessageThread* thread, Target target, Duration delay, std::string_view label, std::function<void()> work);
 
     // Removes the queued messages whose object is `object` and, unless the caller itself is working it, waits until a
     // running one has ended. Any thread; not with a lock held that the receiver's handlers take.
     void withdrawObject(const void* object);
 
-    // Removes the queued messages whose token is `token`; withdrawTokenAndWait also waits as above.
-    void withdrawToken(const void* token);
+    // Removes the queued messages whose token is `token` and gives their number; withdrawTokenAndWait also waits as
+    // above.
+    std::size_t withdrawToken(const void* token);
     void withdrawTokenAndWait(const void* token);
 
-    // Live: works the main thread's queue on the calling thread until finished() is true (asked after every message and at
-    // the latest every 10 ms) or the time is up. True when finished() was. Stepped: works all threads' messages in order,
-    // moving time on as needed, under the same conditions.
+    // Live: works the main thread's queue on the calling thread until finished() is true (asked after every message and
+    // at the latest every 10 ms) or the time is up. True when finished() was. Stepped: works all threads' messages in
+    // order, moving time on as needed, under the same conditions.
     bool serveMain(const std::function<bool()>& finished, Duration atMost);
 
-    // No further message is taken; the live threads end after the one that they are working; what is queued is let go of.
-    // Waits for the threads, so not from a message. Stopping twice is harmless.
+    // No further message is taken; the live threads end after the one that they are working; what is queued is let go
+    // of. Waits for the threads, so not from a message. Stopping twice is harmless.
     void stop();
 
     // How many messages are queued or running, whatever their due time. Any thread.
@@ -98,7 +101,8 @@ public:
 
     // ---- the stepped driver only ----
 
-    // The messages that may run next: of every thread the first of those that are due, in order of due time and posting.
+    // The messages that may run next: of every thread the first of those that are due, in order of due time and
+    // posting.
     std::vector<ReadyMessage> ready() const;
 
     // Runs the next message that is due, or the one of this sequence (false when there is none such).

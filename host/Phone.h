@@ -1,7 +1,7 @@
 // The workstation phone: what a tool or a test may ask of it beyond what a phone offers (platform/).
 //
-// A Phone is made first and destroyed last; in between, the functions of platform/ act on it. There is one at a time in a
-// process. Without one, the functions of platform/ answer like a phone that has nothing: no threads, no contacts.
+// A Phone is made first and destroyed last; in between, the functions of platform/ act on it. There is one at a time in
+// a process. Without one, the functions of platform/ answer like a phone that has nothing: no threads, no contacts.
 //
 //     host::Phone phone({.root = "sample", .driver = host::Driver::live});
 //     Wideseek_PreInit();
@@ -39,8 +39,8 @@ public:
     virtual int outgoing(OxVector<GeneralDirItemData>& calls, int from, int count, std::string& error) = 0;
 };
 
-// Where log lines go: module, level, and the line without its line feed. Called on the thread that logs, with no lock of the
-// host held.
+// Where log lines go: module, level, and the line without its line feed. Called on the thread that logs, with no lock
+// of the host held.
 using LogSink = std::function<void(int module, int level, std::string_view line)>;
 
 struct PhoneOptions {
@@ -73,12 +73,18 @@ public:
     // A value of the phone's configuration in place of the configuration file's. Any thread.
     void setConfig(std::string_view key, int value);
 
-    // Delivers the message that a part of the configuration changed (0x10007 with this parameter; 52 is the source list) on
-    // the message thread. Any thread.
+    // Delivers the message that a part of the configuration changed (0x10007 with this parameter; 52 is the source
+    // list) on the message thread. Any thread.
     void announceConfigChange(long long what);
 
-    // From now on, announces a change of the source list whenever "/config/data/wideseek.xml" changes on disk.
+    // From now on, announces a change of the source list within a second whenever "/config/data/wideseek.xml" is
+    // changed, made or removed on disk. The watch runs beside the kernel: it counts as nothing pending, and what it
+    // announces does. The stepped driver, in which nothing happens by itself, does not watch.
     void watchSourceList();
+
+    // True when nothing is queued, running or awaited from the LDAP directory: no page can come without a new request.
+    // A repeating timer that is set counts as queued. Any thread.
+    bool isIdle() const;
 
     // What went wrong with the phone's files so far ("file:line: reason"), each problem once. Any thread.
     std::vector<std::string> problems() const;
@@ -100,9 +106,17 @@ public:
     // Tracked blocks that have not been given back, by who asked for them. Any thread.
     static std::vector<Outstanding> outstanding();
 
-    // Called at every call of a platform function that another thread could come in at, with the function's name, on the
-    // calling thread and with no lock of the host held; null ends it. Not while a search runs.
+    // Called at every call of a platform function that another thread could come in at, with the function's name, on
+    // the calling thread and with no lock of the host held; null ends it. Not while a search runs. The functions that
+    // answer (the directories, GetListByGroupId, Ldap_SearchAsync, TaskAction_ExecAction) call it again before they
+    // return, with ":answered" behind the name. An interruption is not interrupted.
+    //
+    // What the interruption does stands for what another thread does at this moment; another thread would have to wait
+    // for the locks that the caller holds, so look at heldLocks() first.
     void setInterruption(std::function<void(std::string_view function)> interruption);
+
+    // How many chCriticalSections the calling thread holds, each as often as it was locked.
+    static std::size_t heldLocks();
 
 private:
     struct State;

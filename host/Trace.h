@@ -1,5 +1,5 @@
-// What crosses the platform boundary, as a tool or test can follow it: which request asked which source for what, what the
-// source offered, how long it took, and which pages were sent.
+// What crosses the platform boundary, as a tool or test can follow it: which request asked which source for what, what
+// the source offered, how long it took, and which pages were sent.
 #pragma once
 
 #include "host/Kernel.h"
@@ -24,13 +24,13 @@ enum class TraceKind {
 
 struct TraceEvent {
     TraceKind kind{};
-    Duration at{};               // the kernel's time
-    std::string_view source;     // the source's name, such as "local directory", where there is one
-    std::string_view key;        // what it was asked for
-    std::size_t contacts = 0;    // offered by it
-    std::size_t numbers = 0;     // of them, the numbers that are not empty
+    Duration at{};             // the kernel's time
+    std::string_view source{}; // the source's name, such as "local directory", where there is one
+    std::string_view key{};    // what it was asked for
+    std::size_t contacts = 0;  // offered by it
+    std::size_t numbers = 0;   // of them, the numbers that are not empty
     bool failed = false;
-    std::string_view problem;    // why, for people
+    std::string_view problem{}; // why, for people
 };
 
 // Called on the thread that does what the event says; must not call back into the phone.

@@ -9,6 +9,8 @@
 
 namespace ETL_MsgQueueHelper {
 
+struct chProcesserAccess; // the messaging's own way to an object's state
+
 // One message as its handler sees it.
 struct msgObject {
     unsigned int uMessageId = 0; // what happened, for example 0x8113: a thread timer expired
@@ -43,6 +45,8 @@ protected:
     void WithdrawMessages();
 
 private:
+    friend struct chProcesserAccess;
+
     void* m_pState;
 };
 
@@ -64,9 +68,9 @@ public:
     // for, so a handler may kill its own timer.
     void KillTimer();
 
-    // Calls (pProcesser->*pHandler) with a message of id 0x8113 every llPeriod milliseconds, the first time llPeriod
-    // from now, on the thread of pProcesser. Setting a running timer starts its period anew. pUserData is not used by
-    // the timer. Returns false when pProcesser or pHandler is null. pProcesser is not owned.
+    // Calls (pProcesser->*pHandler) with a message of id 0x8113 every llPeriod milliseconds (1 when it is less), the
+    // first time llPeriod from now, on the thread of pProcesser. Setting a running timer starts its period anew.
+    // pUserData is not used by the timer. Returns false when pProcesser or pHandler is null. pProcesser is not owned.
     bool SetTimer(long long llPeriod, void* pUserData, chMsgProcesser* pProcesser,
                   int (chMsgProcesser::*pHandler)(msgObject& msg));
 

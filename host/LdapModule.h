@@ -1,0 +1,59 @@
+// The phone's LDAP module: queries of the one directory, for any number of callback objects.
+//
+// The directory works one query at a time. A newer query for the same callback object takes the place of the older one,
+// whether that still waits, runs, or has been answered and not yet delivered; queries for other callback objects wait
+// for their turn. Answers come on the directory's thread and are posted from there. All operations: any thread.
+#pragma once
+
+#include "host/LdapDirectory.h"
+#include "host/Processor.h"
+
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <string>
+
+namespace host {
+
+class PhoneCore;
+
+class LdapModule {
+public:
+    // Starts a query as Ldap_SearchAsync says; phone is the phone that this module is a part of. False when there is no
+    // directory; the answer then says so.
+    bool search(const std::shared_ptr<PhoneCore>& phone, LdapQuery query, NS_TA::CTaskActionCallbackBase& callback,
+                MessageThread* thread);
+
+    // Gives up what was asked for a callback object that takes no more messages.
+    void forget(const std::shared_ptr<PhoneCore>& phone, const std::shared_ptr<Processor>& processor);
+
+    // What is asked from now on; null: every query fails. A running query is given up without an answer.
+    void setDirectory(std::shared_ptr<LdapDirectory> directory);
+
+    // True while a query waits or runs in the directory. Its answer is queued before this becomes false.
+    bool isBusy() const;
+
+    // How many queries were made so far.
+    std::uint64_t queryCount() const;
+
+private:
+    struct Request;
+    using SharedRequest = std::shared_ptr<Request>;
+
+    void giveUp(PhoneCore& phone, const std::shared_ptr<Processor>& processor);
+    void startNext(const std::shared_ptr<PhoneCore>& phone);
+    void answered(const std::shared_ptr<PhoneCore>& phone, const SharedRequest& request, LdapAnswer answer);
+
+    // Held while the directory is told to start or to give up, so that both reach it in the order in which they were
+    // decided. Never taken where an answer comes in: a directory may wait for that.
+    std::mutex m_order;
+    std::shared_ptr<LdapDirectory> m_directory; // guarded by m_order
+
+    mutable std::mutex m_mutex; // taken after m_order
+    SharedRequest m_running;    // all guarded by m_mutex
+    std::deque<SharedRequest> m_waiting;
+    std::uint64_t m_queryCount = 0;
+};
+
+} // namespace host

@@ -1,0 +1,43 @@
+// The phone's buddies from a file: a JSON array of
+//
+//     {"id": 7, "name": "Ada", "info1": "", "info2": "", "info": -1,
+//      "attributes": [{"name": "work", "type": 2, "value": "+49 30 1234"}]}
+//
+// "id" (an integer, unique) is required; all else may be left out. Attributes of type 2 are phone numbers; separators
+// are taken out of them. A buddy matches as a contact does (ContactMatch.h) that has its name and its first three
+// numbers: more are never shown, and matching what is not shown would let a search find what narrowing then drops.
+//
+// An entry that is not of this form is reported as "file:entry N: reason" (counted from 1) and left out. A number that
+// cannot be dialled is reported and kept as it is, as in contact files. The file is read at the first question and
+// again when it has changed. Any thread.
+#pragma once
+
+#include "app/Gui/Logic/Wideseek/WideseekData.h"
+#include "host/ReloadedFile.h"
+#include "platform/Presence.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace host {
+
+class PresenceFile final : public CPresenceContactManager {
+public:
+    // problemSink may be empty. It must not ask for buddies.
+    PresenceFile(std::filesystem::path path, ProblemSink problemSink);
+
+    // False when the file cannot be read or is no JSON array.
+    bool GetListByGroupId(ContactBuddyListData* pList, int& iState, int iGroupId, const std::string& strKey,
+                          AttrType eType) override;
+    int GetContactDetail(PresenceInfo& info, PresenceType eType, int iFlag) override;
+
+private:
+    using Buddies = std::vector<PresenceInfo>;
+
+    static ReloadedFile<Buddies>::Made read(std::string_view bytes, const std::string& file);
+
+    ReloadedFile<Buddies> m_file;
+};
+
+} // namespace host
