@@ -31,7 +31,8 @@ if [[ ! -f $build/build.ninja ]]; then
     echo "Building (preset $preset, the first time; about a minute) ..." >&2
     announced=yes
 fi
-if [[ ! -f $build/build.ninja || CMakePresets.json -nt $build/build.ninja ]]; then
+# CMake is to see packages that were installed after it last looked.
+if [[ ! -f $build/build.ninja || CMakePresets.json -nt $build/build.ninja || /var/lib/dpkg/status -nt $build/build.ninja ]]; then
     if ! cmake --preset "$preset" >"$log" 2>&1; then
         cat "$log" >&2
         fail "CMake could not set up the build in $build; its words are above" \

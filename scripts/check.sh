@@ -77,6 +77,6 @@ if (($# == 1)); then
     run_check "$1"
 else
     (($#)) || set -- "${checks[@]}"
-    cmake -S scripts/checks -B build/checks "-DWIDESEEK_CHECKS=$(IFS=';' && echo "$*")" >/dev/null
+    cmake -G Ninja -S scripts/checks -B build/checks "-DWIDESEEK_CHECKS=$(IFS=';' && echo "$*")" >/dev/null
     exec ctest --test-dir build/checks --output-on-failure --no-tests=error
 fi
