@@ -53,7 +53,7 @@ std::optional<std::size_t> ContactIndex::Search::next() {
         return m_contact++;
     }
     const Forms& forms = m_key.digits ? m_index.m_digits : m_index.m_names;
-    std::size_t place = text::find(forms.bytes, m_key.folded, forms.begin(m_contact));
+    std::size_t place = text::findBytes(forms.bytes, m_key.folded, forms.begin(m_contact));
     while (place != std::string::npos) {
         const std::size_t contact = forms.contactAt(place, m_contact);
         if (place + m_key.folded.size() < forms.ends[contact]) {
@@ -61,7 +61,7 @@ std::optional<std::size_t> ContactIndex::Search::next() {
             return contact;
         }
         // A key with the separator in it was found across two contacts.
-        place = text::find(forms.bytes, m_key.folded, place + 1);
+        place = text::findBytes(forms.bytes, m_key.folded, place + 1);
     }
     m_contact = m_index.size();
     return std::nullopt;

@@ -45,7 +45,7 @@ bool matches(const DirectorySearchData& contact, const MatchKey& key) {
         appendNameForm(contact, forms);
     }
     forms.pop_back(); // the last separator is not part of a form
-    return text::find(forms, key.folded, 0) != std::string::npos;
+    return text::findBytes(forms, key.folded, 0) != std::string::npos;
 }
 
 } // namespace host

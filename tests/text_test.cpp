@@ -82,7 +82,8 @@ TEST(KeyConversion, FoldsCaseAndWidthTrimsBlanksAndKeepsOnlyTheDigitsOfPlainNumb
 }
 
 TEST(KeyConversion, ChangesNothingInAConvertedKey) {
-    for (int codePoint = 0; codePoint < 0x110000; ++codePoint) {
+    constexpr int behindLetters = 0x33480; // what comes after them is unassigned, private, or invisible
+    for (int codePoint = 0; codePoint < behindLetters; ++codePoint) {
         if (utf8proc_codepoint_valid(codePoint)) {
             const std::string key = convert("x" + utf8(codePoint) + "y" + utf8(codePoint));
             ASSERT_EQ(convert(key), key) << std::hex << codePoint;
@@ -175,20 +176,20 @@ TEST(Matching, IgnoresCaseAccentsAndWidthWhereverTheKeyStands) {
 TEST(Matching, AgreesWithALookThroughTheFoldedText) {
     std::mt19937 random(2);
     int found = 0;
-    for (int i = 0; i < 200'000; ++i) {
+    for (int i = 0; i < 100'000; ++i) {
         const std::string text = randomText(random, false) + "padding" + randomText(random, false);
         const std::string key = randomText(random, false);
         const bool expected = host::text::folded(text).find(host::text::folded(key)) != std::string::npos;
         found += expected ? 1 : 0;
         ASSERT_EQ(contains(text, key), expected) << testing::PrintToString(text) << testing::PrintToString(key);
     }
-    EXPECT_GT(found, 10'000);
+    EXPECT_GT(found, 5'000);
 }
 
 TEST(Matching, OfALongerKeyImpliesThatOfItsBeginning) {
     std::mt19937 random(3);
     int narrowed = 0;
-    for (int i = 0; i < 300'000; ++i) {
+    for (int i = 0; i < 100'000; ++i) {
         const std::string typed = randomText(random, true);
         const std::string longer = convert(typed + randomText(random, true));
         const std::string shorter = convert(typed);
@@ -212,7 +213,7 @@ TEST(Finding, AgreesWithTheStandardLibraryAtEveryPlace) {
             }
         }
         const std::size_t from = random() % 42;
-        ASSERT_EQ(host::text::find(hay, needle, from), hay.find(needle, from));
+        ASSERT_EQ(host::text::findBytes(hay, needle, from), hay.find(needle, from));
     }
 }
 

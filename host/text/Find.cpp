@@ -4,6 +4,7 @@
 
 #include <utf8proc.h>
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <cstring>
@@ -41,6 +42,10 @@ std::size_t firstMarked(Word marks) {
     return static_cast<std::size_t>(std::countr_zero(marks)) / 8;
 }
 
+bool isAscii(char byte) {
+    return static_cast<unsigned char>(byte) < 0x80;
+}
+
 char lower(char byte) {
     return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + ('a' - 'A')) : byte;
 }
@@ -67,7 +72,7 @@ Character lastCharacter(std::string_view text) {
 
 } // namespace
 
-std::size_t find(std::string_view hay, std::string_view needle, std::size_t from) {
+std::size_t findBytes(std::string_view hay, std::string_view needle, std::size_t from) {
     if (from > hay.size() || needle.size() > hay.size() - from) {
         return std::string_view::npos;
     }
@@ -101,21 +106,18 @@ void FieldMatcher::setKey(std::string_view key) {
     m_key = key;
     m_folded.clear();
     appendFolded(key, m_folded);
+    m_isAscii = std::all_of(m_folded.begin(), m_folded.end(), isAscii);
 }
 
 bool FieldMatcher::isIn(std::string_view text) {
     if (m_folded.empty()) {
         return true;
     }
-    switch (findInAscii(text)) {
-    case Found::yes:
-        return true;
-    case Found::no:
-        return false;
-    case Found::foldFirst:
-        break;
+    const Found found = m_isAscii ? findInAscii(text) : Found::foldFirst;
+    if (found != Found::foldFirst) {
+        return found == Found::yes;
     }
-    return find(fold(text), m_folded, 0) != std::string::npos;
+    return findBytes(fold(text), m_folded, 0) != std::string::npos;
 }
 
 bool FieldMatcher::isWordIn(std::string_view text) {
@@ -123,7 +125,8 @@ bool FieldMatcher::isWordIn(std::string_view text) {
         return true;
     }
     const std::string_view all = fold(text);
-    for (std::size_t at = find(all, m_folded, 0); at != std::string_view::npos; at = find(all, m_folded, at + 1)) {
+    for (std::size_t at = findBytes(all, m_folded, 0); at != std::string_view::npos;
+         at = findBytes(all, m_folded, at + 1)) {
         if (!isLetterOrDigit(lastCharacter(all.substr(0, at))) &&
             !isLetterOrDigit(firstCharacter(all.substr(at + m_folded.size())))) {
             return true;
@@ -132,7 +135,7 @@ bool FieldMatcher::isWordIn(std::string_view text) {
     return false;
 }
 
-// A hit ahead of the first byte that is not ASCII counts: folding works character by character.
+// For a key of ASCII. A hit ahead of the first byte that is not ASCII counts: folding works character by character.
 FieldMatcher::Found FieldMatcher::findInAscii(std::string_view text) const {
     const char anchor = m_folded.front();
     const bool isLetter = anchor >= 'a' && anchor <= 'z';
@@ -151,7 +154,7 @@ FieldMatcher::Found FieldMatcher::findInAscii(std::string_view text) const {
         }
     }
     for (; at < text.size(); ++at) {
-        if (static_cast<unsigned char>(text[at]) >= 0x80) {
+        if (!isAscii(text[at])) {
             return Found::foldFirst;
         }
         if (lower(text[at]) == anchor && isAt(text, at)) {

@@ -9,7 +9,7 @@ namespace host::text {
 
 // Where needle (not empty) first occurs in hay at or behind from; npos when it does not. Exact for all bytes. Looks at
 // eight places at a time, which for keys of a few characters beats the C library's memmem.
-std::size_t find(std::string_view hay, std::string_view needle, std::size_t from);
+std::size_t findBytes(std::string_view hay, std::string_view needle, std::size_t from);
 
 // Tests field after field for one key. The key is folded once; a field of ASCII is compared where it lies, any other is
 // folded into a buffer that is kept. One thread at a time.
@@ -35,6 +35,7 @@ private:
 
     std::string m_key;
     std::string m_folded;
+    bool m_isAscii = true; // m_folded is
     std::string m_buffer;
 };
 
