@@ -101,7 +101,7 @@ public:
 private:
     void MyGrow() {
         const int iCapacity = m_iCapacity < 8 ? 8 : m_iCapacity * 2;
-        T** ppItem = new T*[iCapacity];
+        T** ppItem = new T*[static_cast<std::uint32_t>(iCapacity)];
         for (int i = 0; i < m_iCount; ++i) {
             ppItem[i] = m_ppItem[i];
         }
