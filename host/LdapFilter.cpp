@@ -1,0 +1,137 @@
+#include "host/LdapFilter.h"
+
+#include "host/text/Fold.h"
+
+#include <ldap.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+namespace host {
+
+namespace {
+
+// Calls literal for every piece between the marks and key for every %k; the offset of a lone "%" ends it.
+template <typename Literal, typename Key>
+std::optional<std::size_t> walkTemplate(std::string_view text, Literal literal, Key key) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] != '%') {
+            literal(text[i]);
+        } else if (text.substr(i + 1, 1) == "k") {
+            key();
+            ++i;
+        } else if (text.substr(i + 1, 1) == "%") {
+            literal('%');
+            ++i;
+        } else {
+            return i;
+        }
+    }
+    return std::nullopt;
+}
+
+std::string fill(std::string_view filterTemplate, std::string_view value) {
+    std::string filter;
+    walkTemplate(
+        filterTemplate, [&](char character) { filter += character; }, [&] { filter += value; });
+    return filter;
+}
+
+bool isFilter(const std::string& filter) {
+    const std::unique_ptr<BerElement, void (*)(BerElement*)> ber(ber_alloc_t(LBER_USE_DER),
+                                                                 [](BerElement* element) { ber_free(element, 1); });
+    return ber && ldap_put_vrFilter(ber.get(), filter.c_str()) != -1;
+}
+
+// "(a)" for one part, "(|(a)(b))" for several.
+std::string anyOf(const std::vector<std::string>& attributes, std::string_view value) {
+    std::string parts;
+    for (const std::string& attribute : attributes) {
+        parts.append("(").append(attribute).append("=").append(value).append(")");
+    }
+    return attributes.size() == 1 ? parts : "(|" + parts + ")";
+}
+
+} // namespace
+
+std::string escapeFilterValue(std::string_view bytes) {
+    static constexpr std::string_view special("*()\\\0", 5);
+    static constexpr std::string_view hex = "0123456789abcdef";
+    std::string escaped;
+    for (std::size_t i = 0; i < bytes.size();) {
+        const text::Character character = text::firstCharacter(bytes.substr(i));
+        if (character.codePoint < 0 || special.find(bytes[i]) != std::string_view::npos) {
+            const auto byte = static_cast<std::uint8_t>(bytes[i]);
+            escaped.append({'\\', hex[byte >> 4], hex[byte & 0xF]});
+            ++i;
+        } else {
+            escaped += bytes.substr(i, character.size);
+            i += character.size;
+        }
+    }
+    return escaped;
+}
+
+std::string filterTemplateProblem(std::string_view filterTemplate) {
+    char structure = 0; // the last of ( ) = that was passed
+    bool hasKey = false;
+    bool inValue = true;
+    const std::optional<std::size_t> stray = walkTemplate(
+        filterTemplate,
+        [&](char character) {
+            if (character == '(' || character == ')' || character == '=') {
+                structure = character;
+            }
+        },
+        [&] {
+            hasKey = true;
+            inValue = inValue && structure == '=';
+        });
+    if (stray) {
+        return "\"%\" at position " + std::to_string(*stray + 1) + " is neither %k (the key) nor %% (a percent sign)";
+    }
+    if (!hasKey) {
+        return "%k, which stands for the key, is missing";
+    }
+    if (!inValue) {
+        return "%k must stand in a value, behind a \"=\"";
+    }
+    if (!isFilter(fill(filterTemplate, "1"))) {
+        return "not a filter such as (&(objectClass=person)(cn=*%k*))";
+    }
+    return {};
+}
+
+std::string nameFilter(std::string_view filterTemplate, std::string_view key) {
+    return fill(filterTemplate, escapeFilterValue(key));
+}
+
+std::string numberFilter(std::string_view filterTemplate, std::string_view key) {
+    std::string pattern;
+    for (const char character : key) {
+        if (!pattern.empty()) {
+            pattern += '*';
+        }
+        pattern += escapeFilterValue(std::string_view(&character, 1));
+    }
+    return fill(filterTemplate, pattern);
+}
+
+std::string defaultNameFilter(const std::vector<std::string>& nameAttributes,
+                              const std::vector<std::string>& numberAttributes) {
+    return "(&(objectClass=person)" + anyOf(nameAttributes, "*%k*") + anyOf(numberAttributes, "*") + ")";
+}
+
+std::string defaultNumberFilter(const std::vector<std::string>& numberAttributes) {
+    return "(&(objectClass=person)" + anyOf(numberAttributes, "*%k*") + ")";
+}
+
+bool isAttributeName(std::string_view text) {
+    const auto isLetter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
+    const auto isOther = [&](char c) { return isLetter(c) || (c >= '0' && c <= '9') || c == '-'; };
+    return !text.empty() && isLetter(text.front()) && std::all_of(text.begin(), text.end(), isOther);
+}
+
+} // namespace host
