@@ -59,17 +59,6 @@ bool isLetterOrDigit(Character character) {
            (category <= UTF8PROC_CATEGORY_LO || category >= UTF8PROC_CATEGORY_ND);
 }
 
-// The character that ends where text ends.
-Character lastCharacter(std::string_view text) {
-    for (std::size_t size = 1; size <= 4 && size <= text.size(); ++size) {
-        const Character character = firstCharacter(text.substr(text.size() - size));
-        if (character.codePoint >= 0 && character.size == size) {
-            return character;
-        }
-    }
-    return {};
-}
-
 } // namespace
 
 std::size_t findBytes(std::string_view hay, std::string_view needle, std::size_t from) {

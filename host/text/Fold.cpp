@@ -3,7 +3,6 @@
 #include <utf8proc.h>
 
 #include <array>
-#include <limits>
 
 namespace host::text {
 
@@ -58,7 +57,7 @@ void appendFoldedCharacter(utf8proc_int32_t codePoint, std::string& out) {
     }
 }
 
-// The folded forms of the characters that take two bytes, which are nearly all that European names use.
+// The folded forms of the characters that take two bytes.
 class TwoByteFolds {
 public:
     TwoByteFolds() {
@@ -70,7 +69,7 @@ public:
         }
     }
 
-    bool covers(std::int32_t codePoint) const { return codePoint < 0x800; }
+    static bool covers(std::int32_t codePoint) { return codePoint < 0x800; }
 
     std::string_view operator[](std::int32_t codePoint) const {
         const Form& form = m_forms[static_cast<std::size_t>(codePoint) - first];
@@ -86,14 +85,36 @@ private:
     std::array<Form, 0x800 - first> m_forms{};
 };
 
+std::size_t asciiLength(std::string_view text) {
+    std::size_t length = 0;
+    while (length < text.size() && static_cast<unsigned char>(text[length]) < 0x80) {
+        ++length;
+    }
+    return length;
+}
+
+void appendLower(std::string_view ascii, std::string& out) {
+    const std::size_t begin = out.size();
+    out += ascii;
+    for (std::size_t i = begin; i < out.size(); ++i) {
+        const bool isUpper = out[i] >= 'A' && out[i] <= 'Z';
+        out[i] = static_cast<char>(out[i] | (isUpper ? 'a' - 'A' : 0));
+    }
+}
+
 } // namespace
 
 Character firstCharacter(std::string_view text) {
     if (text.empty()) {
         return {};
     }
-    if (static_cast<unsigned char>(text.front()) < 0x80) {
-        return {static_cast<unsigned char>(text.front()), 1};
+    const int first = static_cast<unsigned char>(text.front());
+    if (first < 0x80) {
+        return {first, 1};
+    }
+    const int second = text.size() > 1 ? static_cast<unsigned char>(text[1]) : 0;
+    if (first >= 0xC2 && first < 0xE0 && (second & 0xC0) == 0x80) {
+        return {(first & 0x1F) << 6 | (second & 0x3F), 2}; // as nearly all that European names have beyond ASCII
     }
     utf8proc_int32_t codePoint = -1;
     const auto atMost = static_cast<utf8proc_ssize_t>(text.size() < 4 ? text.size() : 4);
@@ -102,6 +123,16 @@ Character firstCharacter(std::string_view text) {
         return {-1, 1};
     }
     return {codePoint, static_cast<std::size_t>(size)};
+}
+
+Character lastCharacter(std::string_view text) {
+    for (std::size_t size = 1; size <= 4 && size <= text.size(); ++size) {
+        const Character character = firstCharacter(text.substr(text.size() - size));
+        if (character.codePoint >= 0 && character.size == size) {
+            return character;
+        }
+    }
+    return {-1, text.empty() ? 0U : 1U};
 }
 
 bool isBlank(std::int32_t codePoint) {
@@ -114,39 +145,30 @@ bool isBlank(std::int32_t codePoint) {
 }
 
 std::string_view trimBlanks(std::string_view text) {
-    std::size_t begin = text.size();
-    std::size_t end = text.size();
-    bool found = false;
-    for (std::size_t at = 0; at < text.size();) {
-        const Character character = firstCharacter(text.substr(at));
-        if (!isBlank(character.codePoint)) {
-            begin = found ? begin : at;
-            end = at + character.size;
-            found = true;
-        }
-        at += character.size;
+    for (auto next = firstCharacter(text); isBlank(next.codePoint); next = firstCharacter(text)) {
+        text.remove_prefix(next.size);
     }
-    return text.substr(begin, end - begin);
+    for (auto next = lastCharacter(text); isBlank(next.codePoint); next = lastCharacter(text)) {
+        text.remove_suffix(next.size);
+    }
+    return text;
 }
 
 void appendFolded(std::string_view text, std::string& out) {
     static const TwoByteFolds twoByteFolds;
-    for (std::size_t at = 0; at < text.size();) {
-        const char byte = text[at];
-        if (static_cast<unsigned char>(byte) < 0x80) {
-            out += byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + ('a' - 'A')) : byte;
-            ++at;
-            continue;
-        }
-        const Character character = firstCharacter(text.substr(at));
+    while (!text.empty()) {
+        const std::size_t plain = asciiLength(text);
+        appendLower(text.substr(0, plain), out);
+        text.remove_prefix(plain);
+        const Character character = firstCharacter(text);
         if (character.codePoint < 0) {
-            out += byte;
-        } else if (twoByteFolds.covers(character.codePoint)) {
+            out += text.substr(0, character.size);
+        } else if (TwoByteFolds::covers(character.codePoint)) {
             out += twoByteFolds[character.codePoint];
         } else {
             appendFoldedCharacter(character.codePoint, out);
         }
-        at += character.size;
+        text.remove_prefix(character.size);
     }
 }
 
