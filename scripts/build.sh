@@ -22,7 +22,7 @@ fail() {
 
 # A tree that was moved or copied brings a cache that names its old place.
 if [[ -f $build/CMakeCache.txt ]] && ! grep -qxF "CMAKE_HOME_DIRECTORY:INTERNAL=$PWD" "$build/CMakeCache.txt"; then
-    rm -rf "$build/CMakeCache.txt" "$build/CMakeFiles"
+    rm -rf "$build/CMakeCache.txt" "$build/CMakeFiles" "$build/build.ninja"
 fi
 
 log=$build/build.log
@@ -51,7 +51,8 @@ announce_first_step() {
 }
 
 if ! cmake --build "$build" -j "$(nproc)" ${1:+--target "$@"} 2>&1 | tee "$log" | announce_first_step; then
-    sed -n '/^FAILED:/,$p;/CMake Error/,$p' "$log" | head -n 200 >&2
+    # From the first error on, without the steps that went well.
+    { sed -n '/^FAILED:\|Error/,$p' "$log" | grep . || tail -n 20 "$log"; } | grep -v '^\[[0-9]*/' | head -n 200 >&2 || true
     fail "the build in $build failed; the whole log is $log" \
         "after a change of compilers or packages, remove $build and run again"
 fi
