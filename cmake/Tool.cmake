@@ -7,5 +7,8 @@ if(sources AND TARGET Wideseek AND TARGET wideseek_host)
 
   add_executable(wideseek ${sources})
   target_link_libraries(wideseek PRIVATE wideseek_settings Wideseek wideseek_host CLI11::CLI11
-                                              nlohmann_json::nlohmann_json PkgConfig::ncursesw)
+                                              nlohmann_json::nlohmann_json PkgConfig::utf8proc PkgConfig::ncursesw)
+  # The tool finds the sample phone of the source tree that it was built from, as long as that is there.
+  target_compile_definitions(wideseek PRIVATE WIDESEEK_SAMPLE_DIR="${PROJECT_SOURCE_DIR}/sample"
+                                              WIDESEEK_VERSION="${PROJECT_VERSION}")
 endif()

@@ -1,0 +1,56 @@
+// wideseek: the search library at work on a workstation. Each subcommand has a file of its own.
+
+#include "tools/wideseek/Arguments.h"
+#include "tools/wideseek/DemoCommand.h"
+#include "tools/wideseek/Interrupt.h"
+#include "tools/wideseek/TypeCommand.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <exception>
+#include <iostream>
+
+namespace {
+
+namespace exitCode = wideseek::exitCode;
+
+int runCommand(const wideseek::Command& command) {
+    wideseek::catchInterrupts();
+    const int code = command.run();
+    if (const int signal = wideseek::interruptedBy()) {
+        return 128 + signal; // as a shell reports it
+    }
+    if (!std::cout.flush()) {
+        std::cerr << "wideseek: the output could not be written\n";
+        return exitCode::failure;
+    }
+    return code;
+}
+
+int parseAndRun(int argc, char** argv) {
+    CLI::App application("Contact search behind a phone's search box, on a workstation", "wideseek");
+    application.set_version_flag("--version", "wideseek " WIDESEEK_VERSION);
+    application.require_subcommand(1);
+    const std::vector<wideseek::Command> commands = {wideseek::addDemoCommand(application),
+                                                     wideseek::addTypeCommand(application)};
+    try {
+        application.parse(wideseek::argumentsOf(argc, argv));
+    } catch (const CLI::ParseError& error) {
+        return application.exit(error) == 0 ? exitCode::success : exitCode::usage;
+    }
+    const auto chosen =
+        std::find_if(commands.begin(), commands.end(), [](const auto& command) { return command.parser->parsed(); });
+    return runCommand(*chosen);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return parseAndRun(argc, argv);
+    } catch (const std::exception& error) {
+        std::cerr << "wideseek: " << error.what() << '\n';
+        return exitCode::failure;
+    }
+}

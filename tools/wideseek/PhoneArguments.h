@@ -1,0 +1,31 @@
+// The options that name and set up the phone, the same for every subcommand that runs one.
+#pragma once
+
+#include "host/Phone.h"
+
+#include <optional>
+#include <string>
+
+namespace CLI {
+class App;
+}
+
+namespace wideseek {
+
+// What CLI11 makes of a flag that stands without a value.
+inline constexpr const char* bareFlag = "true";
+
+struct PhoneArguments {
+    std::string root; // empty: the default
+    std::string log;  // empty: none; bareFlag: the standard error output; else a file
+    std::optional<int> ldapDelay;
+};
+
+// Adds --root, --log and --ldap-delay, which write to arguments; it lives as long as command.
+void addPhoneArguments(CLI::App& command, PhoneArguments& arguments);
+
+// The phone that arguments ask for, in the live driver. Throws std::runtime_error for a root that is no folder and for
+// a log file that cannot be written; a root without a source list is warned of on the standard error output.
+host::PhoneOptions phoneOptionsOf(const PhoneArguments& arguments);
+
+} // namespace wideseek

@@ -1,0 +1,101 @@
+#include "tools/wideseek/Text.h"
+
+#include <utf8proc.h>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace wideseek {
+
+namespace {
+
+constexpr std::string_view replacement = "\uFFFD";
+
+// One very long name does not push the other columns of all rows to the right.
+constexpr std::size_t widestColumn = 40;
+
+constexpr std::string_view gap = "  ";
+
+struct Character {
+    utf8proc_int32_t code = -1; // negative: not UTF-8
+    std::size_t length = 1;
+};
+
+Character firstOf(std::string_view text) {
+    std::array<utf8proc_uint8_t, 4> bytes{};
+    const std::size_t count = std::min(bytes.size(), text.size());
+    std::copy_n(text.begin(), count, bytes.begin());
+    utf8proc_int32_t code = -1;
+    const utf8proc_ssize_t length = utf8proc_iterate(bytes.data(), static_cast<utf8proc_ssize_t>(count), &code);
+    return length > 0 ? Character{code, static_cast<std::size_t>(length)} : Character{};
+}
+
+bool isHarmless(utf8proc_int32_t code) {
+    if (code < 0 || (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069)) {
+        return false;
+    }
+    const utf8proc_category_t category = utf8proc_category(code);
+    return category != UTF8PROC_CATEGORY_CC && category != UTF8PROC_CATEGORY_ZL && category != UTF8PROC_CATEGORY_ZP;
+}
+
+void pad(std::ostream& out, std::size_t width) {
+    out << std::string(width, ' ');
+}
+
+} // namespace
+
+std::string printable(std::string_view text) {
+    std::string result;
+    while (!text.empty()) {
+        const Character character = firstOf(text);
+        result += isHarmless(character.code) ? text.substr(0, character.length) : replacement;
+        text.remove_prefix(character.length);
+    }
+    return result;
+}
+
+std::size_t displayWidth(std::string_view text) {
+    std::size_t width = 0;
+    while (!text.empty()) {
+        const Character character = firstOf(text);
+        width += static_cast<std::size_t>(std::max(0, utf8proc_charwidth(character.code)));
+        text.remove_prefix(character.length);
+    }
+    return width;
+}
+
+Table::Table(std::vector<Align> columns) : m_columns(std::move(columns)) {
+}
+
+void Table::add(const std::vector<std::string>& cells) {
+    std::vector<std::string>& row = m_rows.emplace_back();
+    std::transform(cells.begin(), cells.end(), std::back_inserter(row), printable);
+}
+
+void Table::print(std::ostream& out, std::size_t indent) const {
+    std::vector<std::size_t> widths(m_columns.size());
+    for (const auto& row : m_rows) {
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            widths[i] = std::max(widths[i], std::min(displayWidth(row[i]), widestColumn));
+        }
+    }
+    for (const auto& row : m_rows) {
+        std::size_t owed = indent; // blanks that are written once something follows them
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            const std::size_t width = displayWidth(row[i]);
+            const std::size_t missing = widths[i] - std::min(widths[i], width);
+            if (m_columns[i] == Align::right) {
+                owed += missing;
+            }
+            if (!row[i].empty()) {
+                pad(out, std::exchange(owed, 0));
+                out << row[i];
+            }
+            owed += gap.size() + (m_columns[i] == Align::left ? missing : 0);
+        }
+        out << '\n';
+    }
+}
+
+} // namespace wideseek
