@@ -84,8 +84,8 @@ void LdapConnection::configure() {
     set(LDAP_OPT_REFERRALS, LDAP_OPT_OFF);
     // No time limit of libldap's own, whatever its configuration file says: with one, it waits for the TLS handshake by
     // asking again and again.
-    set(LDAP_OPT_NETWORK_TIMEOUT, nullptr);
-    set(LDAP_OPT_TIMEOUT, nullptr);
+    const timeval never{-1, 0};
+    set(LDAP_OPT_NETWORK_TIMEOUT, &never);
 }
 
 void LdapConnection::startTls(TimePoint until) {

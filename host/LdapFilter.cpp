@@ -1,13 +1,18 @@
 #include "host/LdapFilter.h"
 
+#include "host/Waiter.h"
 #include "host/text/Fold.h"
 
-#include <ldap.h>
+#include <openldap.h>
+#include <sys/socket.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <stdexcept>
+#include <system_error>
 
 namespace host {
 
@@ -39,10 +44,23 @@ std::string fill(std::string_view filterTemplate, std::string_view value) {
     return filter;
 }
 
+// libldap is the judge, as it is what encodes the filter later on: it is asked to send a search to nobody.
 bool isFilter(const std::string& filter) {
-    const std::unique_ptr<BerElement, void (*)(BerElement*)> ber(ber_alloc_t(LBER_USE_DER),
-                                                                 [](BerElement* element) { ber_free(element, 1); });
-    return ber && ldap_put_vrFilter(ber.get(), filter.c_str()) != -1;
+    int ends[2] = {-1, -1};
+    if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
+        throw std::system_error(errno, std::generic_category(), "socketpair");
+    }
+    const Descriptor nobody(ends[1]);
+    Descriptor own(ends[0]);
+    LDAP* handle = nullptr;
+    if (ldap_init_fd(own.number(), LDAP_PROTO_TCP, nullptr, &handle) != LDAP_SUCCESS) {
+        throw std::runtime_error("no connection handle to check a filter with");
+    }
+    own.release();
+    const std::unique_ptr<LDAP, void (*)(LDAP*)> holder(handle, [](LDAP* h) { ldap_unbind_ext(h, nullptr, nullptr); });
+    int id = 0;
+    return ldap_search_ext(handle, "", LDAP_SCOPE_BASE, filter.c_str(), nullptr, 0, nullptr, nullptr, nullptr, 0,
+                           &id) == LDAP_SUCCESS;
 }
 
 // "(a)" for one part, "(|(a)(b))" for several.
