@@ -86,9 +86,21 @@ void Session::takePage(const WideseekListData& data) {
 }
 
 void Session::reportProblems() {
-    const std::vector<std::string> problems = m_phone.problems();
-    for (; m_problems < problems.size(); ++m_problems) {
-        std::cerr << "wideseek: " << printable(problems[m_problems]) << std::endl;
+    for (const std::string& problem : m_phone.problems()) {
+        reportOnce(problem, {});
+    }
+    for (const RequestTrace& request : m_trace.requests()) {
+        for (const SourceTrace& source : request.sources) {
+            if (!source.problem.empty()) {
+                reportOnce(source.problem, source.name + ": ");
+            }
+        }
+    }
+}
+
+void Session::reportOnce(const std::string& problem, const std::string& where) {
+    if (m_reported.insert(problem).second) {
+        std::cerr << "wideseek: " << printable(where + problem) << std::endl;
     }
 }
 

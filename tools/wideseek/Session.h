@@ -14,6 +14,7 @@
 
 #include <chrono>
 #include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -39,8 +40,8 @@ public:
     using PageHandler = std::function<void(const Page& page)>;
 
     // Starts the phone and the library; onPage is called while one of the operations below waits. Problems of the
-    // phone's files are written to the standard error output as they turn up. Throws std::runtime_error when the
-    // library cannot be started.
+    // phone's files and of its sources are written to the standard error output as they turn up, each once. Throws
+    // std::runtime_error when the library cannot be started.
     Session(host::PhoneOptions options, PageHandler onPage);
     ~Session() = default;
 
@@ -83,6 +84,7 @@ private:
     void takePage(const WideseekListData& data);
     bool isSettled();
     void reportProblems();
+    void reportOnce(const std::string& problem, const std::string& where);
 
     TraceLog m_trace; // outlives the phone, which reports to it
     PageHandler m_onPage;
@@ -92,7 +94,7 @@ private:
     std::vector<Request> m_requests;
     std::vector<int> m_totals;
     std::size_t m_pages = 0;
-    std::size_t m_problems = 0; // reported so far
+    std::set<std::string> m_reported; // problems
 };
 
 } // namespace wideseek

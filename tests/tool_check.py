@@ -1,0 +1,130 @@
+#!/usr/bin/env python3
+"""Runs the tool as a person or a script does, on a small phone of its own: what it prints, says and ends with."""
+import json, os, signal, subprocess, sys, tempfile, time, unicodedata
+from pathlib import Path
+
+TOOL = os.environ["WIDESEEK_TOOL"]
+LDAP_DELAY = 300
+problems = []
+folder = tempfile.TemporaryDirectory()
+ROOT = Path(folder.name)
+
+
+def expect(holds, what):
+    if not holds:
+        problems.append(what)
+
+
+def write(file, content):
+    path = ROOT / "config" / file
+    path.parent.mkdir(parents=True, exist_ok=True)
+    path.write_bytes(content if isinstance(content, bytes) else content.encode())
+
+
+def list_sources(*sources):
+    items = (f'<item id_name="{source}" enable="1" priority="{i}"/>' for i, source in enumerate(sources, 1))
+    write("data/wideseek.xml", f"<root_wideseek>{''.join(items)}</root_wideseek>")
+
+
+def run(*arguments, command="type", root=ROOT, timeout=30):
+    return subprocess.run([TOOL, command, "--root", str(root), *arguments], capture_output=True, timeout=timeout)
+
+
+def lines(*arguments):
+    return [json.loads(line) for line in run("--json", *arguments).stdout.splitlines()]
+
+
+def names(page):
+    return [row["name"] for row in page["rows"]]
+
+
+SOURCES = "local_directory_search", "ldap_search", "calllog_search"
+list_sources(*SOURCES, "remote_directory_search")
+write("data/phone.ini", f"[features]\nFeaturesRecentCallEnable=1\n[ldap]\nmode=embedded\ndelay_ms={LDAP_DELAY}\n")
+write("contacts/local_directory.csv",
+      "name,number1,number2,extra\nJed,5301,5302,Leeds\n渡辺 53,53039,,Kyoto\n".encode() +
+      b'"open,53\nBel\x07l 53\x1b[31m,5304,,x\nB\xffd,5305,,\n')
+write("contacts/ldap_directory.csv", "name,number\nJed,5301\nLea,5309\n")
+write("contacts/call_log.csv", "time,direction,name,number,extra\n2026-01-02T10:00:00,out,,770,then\n"
+      "2026-01-03T10:00:00,out,Kim,771,now\n2026-01-04T10:00:00,in,Ann,772,\n")
+
+# A first page and a late one. LDAP was asked second and comes last, as it missed the first page; its Jed is known.
+first, late = lines("--count", "20", "53")
+expect(list(first) == ["request", "key", "from", "count", "total", "late", "ms", "rows"], f"other JSON fields: {first}")
+expect(first["rows"][0] == {"name": "Jed", "number": "5301", "extra1": "", "extra2": "Leeds", "extra": -1},
+       f"a row: {first}")
+expect(list(first.values())[:6] == [1, "53", 0, 20, 5, False], f"the first page: {first}")
+expect(list(late.values())[:6] == [1, "53", 0, 20, 6, True], f"the late page: {late}")
+expect(names(late) == names(first) + ["Lea"], f"rows of the late page: {late}")
+expect(95 <= first["ms"] < LDAP_DELAY <= late["ms"], f"times: first page {first['ms']}, late page {late['ms']} ms")
+expect(names(first)[3:] == ["Bel\x07l 53\x1b[31m", "B\ufffdd"], f"bytes that are no text: {names(first)}")
+
+# Narrowing, a repeat, brackets, a pasted number; each page belongs to its request, only the last one has a late page.
+pages = lines("5", "53", "53", "[5,3]", "+5 (30)-1")
+expect([(p["request"], p["key"], p["late"], p["total"]) for p in pages] == [
+    (1, "5", False, 6), (2, "53", False, 5), (3, "53", False, 5), (4, "[5,3]", False, 0), (5, "+5 (30)-1", False, 2),
+    (5, "5301", True, 2)], f"several keys: {pages}")
+expect([names(p) for p in lines("--from", "1", "--count", "2", "53")] == [["Jed", "渡辺 53"]] * 2, "not rows 1 and 2")
+for start, count, rows in (0, 0, 6), (5, 9, 1), (2**31 - 1, 2**31 - 1, 0):
+    last = lines("--from", str(start), "--count", str(count), "53")[-1]
+    expect((len(last["rows"]), last["total"]) == (rows, 6), f"from {start}, count {count}: {last}")
+recent, = lines("--count", "1", "")
+expect((names(recent), recent["total"], recent["count"]) == (["Kim", "770"], 2, 10), f"empty key: {recent}")
+
+# Text for a terminal: names the file's faults once, columns straight however wide a character is, no control character.
+text = run("--trace", "5", "53")
+out, err = text.stdout.decode(), text.stderr.decode()
+expect(text.returncode == 0 and err.count("local_directory.csv:4: ") == 1, f"not told once: {err}")
+expect("remote directory: " in err and "remote_directory.csv" in err, f"the missing file is not named: {err}")
+rows = [line for line in out.splitlines() if line.endswith(("Leeds", "Kyoto"))]
+columns = {sum(1 + (unicodedata.east_asian_width(c) == "W") for c in line[:line.index(" 530", 3)]) for line in rows}
+expect(len(columns) == 1 and len(rows) >= 4, f"columns are not straight: {rows}")
+expect(not [c for c in out if c != "\n" and unicodedata.category(c) == "Cc"], "a control character is printed")
+traces = [trace["trace"] for trace in lines("--trace", "5", "53", "53") if "trace" in trace]
+asked = [[(s["source"], s["contacts"], s["numbers"]) for s in trace["sources"]] for trace in traces]
+expect(asked[0][:1] == [("local directory", 4, 5)] and len(asked[0]) == 4, f"trace of a full search: {asked[0]}")
+expect(asked[1:] == [[("LDAP", 2, 2)], []], f"trace of narrowing and repeat: {asked[1:]}")
+by_name = {source["source"]: source for source in traces[0]["sources"]}
+expect(by_name["LDAP"]["abandoned"] and not by_name["LDAP"]["answered"], "the first LDAP query goes on")
+remote = by_name["remote directory"]
+expect(remote["failed"] and "remote_directory.csv" in remote["problem"], f"a failure without its reason: {remote}")
+out = run("--trace", "5", "53", "53").stdout.decode()
+for words in "given up for a newer key", "failed", "no source was asked", "6 rows in all":
+    expect(words in out, f'the trace does not say "{words}":\n{out}')
+
+# What is refused or wrong: exit code, and a word on what to do.
+for arguments, code, words in [
+    (["--from", "-1", "53"], 1, "refused"), (["--count", "-1", "--json", "53"], 1, "refused"), ([], 2, "KEY"),
+    (["--colour", "5"], 2, "--help"), (["--count", "x", "5"], 2, "--count"), (["--pause", "-1", "5"], 2, "--pause"),
+    (["--log=/dev/null/no", "5"], 1, "/dev/null/no")]:
+    refused = run(*arguments)
+    expect(refused.returncode == code and words in refused.stderr.decode() and b"rows" not in refused.stdout,
+           f"{arguments}: {refused}")
+gone = run("5", root=ROOT / "no")
+expect(gone.returncode == 1 and b"no: no such folder; give a phone's root with --root" in gone.stderr, f"{gone}")
+bare = run("5", root=ROOT / "config")
+expect(bare.returncode == 0 and "wideseek.xml" in bare.stderr.decode(), f"a root without a source list: {bare}")
+with open("/dev/full", "w") as full:
+    lost = subprocess.run([TOOL, "type", "--root", ROOT, "5"], stdout=full, stderr=subprocess.DEVNULL)
+    expect(lost.returncode == 1, "a full disk goes unnoticed")
+log = run("--log", "5").stderr.decode()
+expect(" info module 10: SearchUnion(strKey = 5)\n" in log, f"the log: {log}")
+
+# While it runs: another source list is read, Ctrl-C ends it.
+with subprocess.Popen([TOOL, "type", "--root", ROOT, "--json", "--pause", "1500", "5309", "5309", "5309"], text=True,
+                      stdout=subprocess.PIPE, stderr=subprocess.DEVNULL) as running:
+    before = [json.loads(running.stdout.readline())["total"] for _ in range(2)]
+    list_sources("calllog_search")
+    after = json.loads(running.stdout.readline())["total"]
+    running.send_signal(signal.SIGINT)
+    start = time.monotonic()
+    expect((before, after) == ([0, 1], 0), f"changed source list: {before} rows before, {after} after")
+    expect(running.wait(10) == 130 and time.monotonic() - start < 2, "Ctrl-C does not end it at once")
+
+start = time.monotonic()
+demo = subprocess.run([TOOL, "demo"], capture_output=True, timeout=60)
+expect(demo.returncode == 0 and not demo.stderr, f"the demonstration: {demo}")
+expect(b"late page" in demo.stdout and b"empty key" in demo.stdout, f"the demonstration shows less: {demo.stdout}")
+expect(time.monotonic() - start < 8, "the demonstration takes long")
+folder.cleanup()
+sys.exit("\n".join(problems) or 0)
