@@ -1,0 +1,161 @@
+#include "tests/support/SteppedPhone.h"
+
+#include "platform/CommonAPI.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <fstream>
+
+#include <unistd.h>
+
+namespace test {
+
+TempRoot::TempRoot() {
+    static std::atomic<int> next{0};
+    m_path = std::filesystem::path(testing::TempDir()) /
+             ("wideseek-" + std::to_string(getpid()) + "-" + std::to_string(next++));
+    std::filesystem::create_directories(m_path / "config/data");
+    std::filesystem::create_directories(m_path / "config/contacts");
+}
+
+TempRoot::~TempRoot() {
+    std::error_code ignored;
+    std::filesystem::remove_all(m_path, ignored);
+}
+
+void TempRoot::write(const std::string& file, const std::string& text) const {
+    std::ofstream(m_path / file, std::ios::binary) << text;
+}
+
+bool ScriptedSource::search(const std::string& key, OxList<DirectorySearchData>& hits, std::string& error) {
+    asked.push_back(key);
+    if (meanwhile) {
+        meanwhile();
+    }
+    const auto matches = [&](const std::string& field) {
+        return CommonAPI_StringMatch(field, key, false, STRING_MATCH_CONTAINS) != 0;
+    };
+    for (const Contact& contact : contacts) {
+        bool hit = !CommonAPI_IsSearchByT9(key) && matches(contact.name);
+        if (CommonAPI_IsSearchByT9(key)) {
+            hit = matches(CommonUnits_ToKeyString(contact.name));
+            for (const std::string& number : contact.numbers) {
+                hit = hit || matches(CommonAPI_TrimString(number, "+", TRIM_TYPE_BOTH_ENDS));
+            }
+        }
+        if (hit) {
+            const auto number = [&](std::size_t i) {
+                return i < contact.numbers.size() ? contact.numbers[i] : std::string();
+            };
+            hits.PushBack({contact.name, number(0), number(1), number(2), contact.extra});
+        }
+    }
+    error = fails ? "scripted failure" : "";
+    return !fails;
+}
+
+void ScriptedLdap::start(host::LdapQuery query, Done done) {
+    asked.push_back(query.key);
+    m_done = std::move(done);
+}
+
+void ScriptedLdap::abandon() {
+    m_done = nullptr;
+}
+
+bool ScriptedLdap::answer(const std::vector<Contact>& contacts, bool succeeded) {
+    if (!m_done) {
+        return false;
+    }
+    host::LdapAnswer result;
+    result.succeeded = succeeded;
+    for (const Contact& contact : contacts) {
+        for (const std::string& number : contact.numbers) {
+            result.rows.push_back({contact.name, number});
+        }
+    }
+    std::exchange(m_done, nullptr)(std::move(result));
+    return true;
+}
+
+void Screen::OnTaskActionCallback(NS_TA::CTaskAction* pAction) {
+    ASSERT_EQ(pAction->GetTypeId(), NS_WS::CWideseekCBData::TYPE_ID);
+    ASSERT_EQ(pAction->GetResultCode(), 0);
+    pages.push_back(static_cast<NS_WS::CWideseekCBData*>(pAction)->GetResultList());
+    if (onPage) {
+        onPage();
+    }
+}
+
+std::string Screen::rows() const {
+    return pages.empty() ? "-" : rowsOf(pages.back());
+}
+
+std::string rowsOf(const WideseekListData& page) {
+    std::string text;
+    for (const WideseekItemData& row : page.listItem) {
+        text += (text.empty() ? "" : ", ") + row.strName + " " + row.strNumber;
+    }
+    return text;
+}
+
+std::string sourceListOf(const std::vector<std::string>& ids) {
+    std::string xml = "<root_wideseek>";
+    for (std::size_t i = 0; i < ids.size(); ++i) {
+        xml += "<item id_name=\"" + ids[i] + "\" display_name=\"" + ids[i] + "\" enable=\"1\" priority=\"" +
+               std::to_string(i) + "\"/>";
+    }
+    return xml + "</root_wideseek>";
+}
+
+SteppedPhone::SteppedPhone(const std::vector<std::string>& ids)
+    : phone({.root = root.path(),
+             .driver = host::Driver::stepped,
+             .ldapDelay = {},
+             .contactFiles = false,
+             .log = [this](int module, int level, std::string_view line) {
+                 if (module == 10 && level == 6) {
+                     log.emplace_back(line);
+                 }
+             }}) {
+    setSourceList(sourceListOf(ids));
+    phone.setSource(host::Source::localDirectory, local);
+    phone.setSource(host::Source::callLog, calls);
+    phone.setSource(host::Source::remoteDirectory, remote);
+    phone.setSource(host::Source::broadSoftDirectory, broad);
+    phone.setLdap(ldap);
+    EXPECT_TRUE(Wideseek_PreInit());
+}
+
+SteppedPhone::~SteppedPhone() {
+    NS_WS::CWideseekController::ReleaseInstance();
+    run();
+    for (const auto& left : host::Phone::outstanding()) {
+        ADD_FAILURE() << left.blocks << " blocks not given back: " << left.file << ":" << left.line;
+    }
+}
+
+bool SteppedPhone::handOver(const std::string& key, Screen& screen, int from, int count) {
+    return Wideseek_SearchUnion(key, from, count, &screen);
+}
+
+void SteppedPhone::type(const std::string& key, Screen& screen, int from, int count) {
+    EXPECT_TRUE(handOver(key, screen, from, count));
+    run();
+}
+
+void SteppedPhone::run(host::Duration by) {
+    phone.kernel().advance(by);
+}
+
+void SteppedPhone::answerLdap(const std::vector<Contact>& contacts, bool succeeded) {
+    EXPECT_TRUE(ldap->answer(contacts, succeeded)) << "no query is running";
+    run();
+}
+
+void SteppedPhone::setSourceList(const std::string& xml) {
+    root.write("config/data/wideseek.xml", xml);
+}
+
+} // namespace test

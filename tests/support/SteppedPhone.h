@@ -1,0 +1,125 @@
+// A phone in virtual time with scripted sources, and a screen that keeps the pages it gets: what the tests of the
+// search stand on. Nothing here waits, and nothing knows the search from inside.
+//
+//     SteppedPhone phone({"local_directory_search", "ldap_search"});
+//     phone.local->contacts = {{"Ann", {"5311"}}};
+//     Screen screen;
+//     phone.type("5", screen);            // hands over and runs what is due
+//     EXPECT_EQ(rowsOf(screen.pages.back()), "Ann 5311");
+#pragma once
+
+#include "app/Gui/Logic/Wideseek/WideseekCBData.h"
+#include "app/Gui/Logic/Wideseek/WideseekController.h"
+#include "app/Gui/Logic/Wideseek/modWideseek.h"
+#include "host/Phone.h"
+
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace test {
+
+using namespace std::chrono_literals;
+
+// A folder of its own for each test, gone afterwards.
+class TempRoot {
+public:
+    TempRoot();
+    ~TempRoot();
+    TempRoot(const TempRoot&) = delete;
+    TempRoot& operator=(const TempRoot&) = delete;
+
+    const std::filesystem::path& path() const { return m_path; }
+    void write(const std::string& file, const std::string& text) const;
+
+private:
+    std::filesystem::path m_path;
+};
+
+struct Contact {
+    std::string name;
+    std::vector<std::string> numbers;
+    std::string extra = {};
+};
+
+// Answers with its contacts that match the key, as the phone's directories do.
+class ScriptedSource : public host::ContactSource {
+public:
+    std::vector<Contact> contacts;
+    bool fails = false;
+    std::vector<std::string> asked;
+    std::function<void()> meanwhile; // runs inside every query
+
+    bool search(const std::string& key, OxList<DirectorySearchData>& hits, std::string& error) override;
+};
+
+// Keeps the queries it is given; the test answers them when it likes.
+class ScriptedLdap : public host::LdapDirectory {
+public:
+    std::vector<std::string> asked;
+
+    void start(host::LdapQuery query, Done done) override;
+    void abandon() override;
+
+    // Answers the running query with a row per number. False when none runs.
+    bool answer(const std::vector<Contact>& contacts, bool succeeded = true);
+    bool isAsking() const { return m_done != nullptr; }
+
+private:
+    Done m_done;
+};
+
+// Receives pages on the phone's main thread.
+class Screen : public NS_TA::CTaskActionCallbackBase {
+public:
+    ~Screen() override { WithdrawMessages(); }
+
+    std::vector<WideseekListData> pages;
+    std::function<void()> onPage;
+
+    void OnTaskActionCallback(NS_TA::CTaskAction* pAction) override;
+
+    // The rows of the last page; "-" without one.
+    std::string rows() const;
+    std::size_t count() const { return pages.size(); }
+};
+
+// "Ann 5311, Bob 5322"
+std::string rowsOf(const WideseekListData& page);
+
+// A source list with these ids enabled, in this order.
+std::string sourceListOf(const std::vector<std::string>& ids);
+
+class SteppedPhone {
+public:
+    // Writes a source list with these ids and starts the search.
+    explicit SteppedPhone(const std::vector<std::string>& ids);
+    ~SteppedPhone();
+
+    TempRoot root;
+    std::vector<std::string> log;
+    host::Phone phone;
+    std::shared_ptr<ScriptedSource> local = std::make_shared<ScriptedSource>();
+    std::shared_ptr<ScriptedSource> calls = std::make_shared<ScriptedSource>();
+    std::shared_ptr<ScriptedSource> remote = std::make_shared<ScriptedSource>();
+    std::shared_ptr<ScriptedSource> broad = std::make_shared<ScriptedSource>();
+    std::shared_ptr<ScriptedLdap> ldap = std::make_shared<ScriptedLdap>();
+
+    // Hands a request over without running anything.
+    bool handOver(const std::string& key, Screen& screen, int from = 0, int count = 10);
+
+    // Hands it over and runs what is due now.
+    void type(const std::string& key, Screen& screen, int from = 0, int count = 10);
+
+    // Runs what is due now, or within this time.
+    void run(host::Duration by = 0ms);
+
+    void answerLdap(const std::vector<Contact>& contacts, bool succeeded = true);
+    void setSourceList(const std::string& xml);
+};
+
+} // namespace test
