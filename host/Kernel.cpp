@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <deque>
-#include <iterator>
 #include <limits>
 #include <map>
 #include <mutex>
@@ -175,11 +174,7 @@ struct Kernel::State {
         std::vector<Message> taken; // outlives the lock
         Lock lock(mutex);
         taken = take(matches);
-        while (wait && isRunningElsewhere(matches)) {
-            ended.wait(lock);
-            auto more = take(matches); // what the running one posted meanwhile
-            std::move(more.begin(), more.end(), std::back_inserter(taken));
-        }
+        ended.wait(lock, [&] { return !wait || !isRunningElsewhere(matches); });
         lock.unlock();
         return taken.size();
     }
