@@ -86,6 +86,11 @@ void LdapConnection::configure() {
     // asking again and again.
     const timeval never{-1, 0};
     set(LDAP_OPT_NETWORK_TIMEOUT, &never);
+    // What claims to be a longer message is no answer about a person, and would be given memory at once.
+    Sockbuf* buffer = nullptr;
+    ber_len_t longestMessage = 1U << 20U;
+    check(ldap_get_option(m_handle.get(), LDAP_OPT_SOCKBUF, &buffer), "connection buffer");
+    ber_sockbuf_ctrl(buffer, LBER_SB_OPT_SET_MAX_INCOMING, &longestMessage);
 }
 
 void LdapConnection::startTls(TimePoint until) {

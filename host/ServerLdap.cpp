@@ -170,7 +170,7 @@ void ServerLdap::work(Job& job) {
         answer = ask(job);
     } catch (const Withdrawn&) {
         return;
-    } catch (const LdapFailure& failure) {
+    } catch (const std::exception& failure) { // an LdapFailure, or the process has no memory, thread or socket left
         m_connection.reset();
         answer.problem = m_address.url + ": " + failure.what();
     }

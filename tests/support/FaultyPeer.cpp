@@ -7,6 +7,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <system_error>
@@ -134,7 +135,7 @@ bool FaultyPeer::pass(Link& link, bool fromServer) {
     bool open = true;
     if (fromServer) {
         open = link.sent + size <= m_cutAfter;
-        size = open ? size : m_cutAfter - link.sent;
+        size = std::min({size, m_cutAfter - link.sent, m_stallAfter - link.sent});
         link.sent += size;
     }
     const int to = fromServer ? link.client : link.server;

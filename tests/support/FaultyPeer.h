@@ -35,6 +35,10 @@ public:
     // Cuts a connection once the other server has sent so many bytes through it, from now on. Any thread.
     void cutAfter(std::size_t bytes) { m_cutAfter = bytes; }
 
+    // Lets nothing more through a connection once the other server has sent so many bytes, but leaves it open. Any
+    // thread.
+    void stallAfter(std::size_t bytes) { m_stallAfter = bytes; }
+
     // Keeps what the other server sends until it is told to let go. Any thread.
     void hold(bool holding) { m_holding = holding; }
 
@@ -64,6 +68,7 @@ private:
     int m_port = 0;
     std::list<Link> m_links; // the thread's, and of a full peer those that fill its queue
     std::atomic<std::size_t> m_cutAfter = SIZE_MAX;
+    std::atomic<std::size_t> m_stallAfter = SIZE_MAX;
     std::atomic<bool> m_cutNow = false;
     std::atomic<bool> m_holding = false;
     std::atomic<bool> m_stopping = false;

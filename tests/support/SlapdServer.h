@@ -23,6 +23,7 @@ public:
     void restart();
 
     int port() const { return m_port; }
+    int tlsPort() const { return m_tlsPort; }
     std::string url() const { return "ldap://127.0.0.1:" + std::to_string(m_port); }
     std::string tlsUrl() const { return "ldaps://127.0.0.1:" + std::to_string(m_tlsPort); }
     std::string certificate() const { return (m_folder / "server.pem").string(); } // its own and its issuer's
