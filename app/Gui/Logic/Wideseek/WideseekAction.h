@@ -36,6 +36,8 @@
 
 namespace NS_WS {
 
+struct WideseekCfgListData;
+
 class CWideseekAction : public NS_TA::CTaskActionCallbackBase, public NS_TA::CTaskAction {
 public:
     static constexpr int TYPE_ID = 6;
@@ -191,23 +193,29 @@ private:
 
     // ---- rows and the filter (WideseekActionMerge.cpp) ----
 
+    using Filter = std::map<ItemData, int>;
+
     void MyInsertResult(ResultData* pBucket, OxList<DirectorySearchData>& hitList) CH_REQUIRES(m_csWork);
-    bool MyIsFilterExist(const ItemData& item) const CH_REQUIRES(m_csWork);
-    bool MyAddFilter(const ItemData& item) CH_REQUIRES(m_csWork);
+
+    // pPlace: where the row stands in the filter or would stand, found by the one and used by the other, so that a row
+    // is looked up once.
+    bool MyIsFilterExist(const ItemData& item, Filter::const_iterator* pPlace = nullptr) const CH_REQUIRES(m_csWork);
+    bool MyAddFilter(const ItemData& item, const Filter::const_iterator* pPlace = nullptr) CH_REQUIRES(m_csWork);
     bool MyRemoveFilter(const ItemData& item) CH_REQUIRES(m_csWork);
 
-    // Appends a row for each number that is not empty. item holds what the rows share and serves as scratch.
+    // Appends a row for each number that is not empty. item holds what the rows share; its strings are used up.
     void MyAppendRows(ResultData& bucket, ItemData& item, const std::string& strNumber1, const std::string& strNumber2,
                       const std::string& strNumber3) CH_REQUIRES(m_csWork);
-    void MyAppendNumber(ResultData& bucket, ItemData& item, const std::string& strNumber, const std::string& strOther1,
-                        const std::string& strOther2) CH_REQUIRES(m_csWork);
 
-    // Appends the row unless the filter holds it, and adds it to the filter.
-    void MyAppendRow(ResultData& bucket, const ItemData& item) CH_REQUIRES(m_csWork);
+    // Appends the row unless the filter holds it, and adds it to the filter. bUseUp: its strings may be moved away.
+    void MyAppendRow(ResultData& bucket, ItemData& item, bool bUseUp) CH_REQUIRES(m_csWork);
 
     // ---- pages (WideseekActionResult.cpp) ----
 
     bool MyRefreshResult() CH_REQUIRES(m_csWork);
+
+    // Puts the controller's sources into list and makes a bucket for each. False when there is no controller.
+    bool MyRefreshResult(WideseekCfgListData& list) CH_REQUIRES(m_csWork);
     bool MyClearResult() CH_REQUIRES(m_csWork);
     bool MyCheckResult(std::string strKey, std::string strRawKey) CH_REQUIRES(m_csWork);
     void MyArmTimer() CH_REQUIRES(m_csWork);
@@ -229,7 +237,7 @@ private:
     static void MyAppendRecent(const OxVector<GeneralDirItemData>& vecItem, WideseekListData& page);
 
     std::list<ResultData*> m_listResultData CH_GUARDED_BY(m_csWork); // one per enabled source; owned
-    std::map<ItemData, int> m_mapFilter CH_GUARDED_BY(m_csWork);     // the rows that some bucket holds
+    Filter m_mapFilter CH_GUARDED_BY(m_csWork);                      // the names and numbers that some bucket holds
     std::string m_strLastKey CH_GUARDED_BY(m_csRequest);             // the key whose result the buckets hold
     WideseekListData* m_pResultList;                                 // the page; owned, contents guarded by m_csPage
     int m_iSearchMode CH_GUARDED_BY(m_csWork);

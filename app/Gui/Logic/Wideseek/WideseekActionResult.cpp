@@ -33,9 +33,14 @@ bool IsNumberMatch(const std::string& strNumber, const std::string& strKey) {
 } // namespace
 
 bool CWideseekAction::MyRefreshResult() {
-    MyClearResult();
     WideseekCfgListData list;
-    CWideseekController::LendEnableCfgList(&list);
+    MyRefreshResult(list);
+    return true;
+}
+
+bool CWideseekAction::MyRefreshResult(WideseekCfgListData& list) {
+    MyClearResult();
+    const bool bSources = CWideseekController::LendEnableCfgList(&list);
     for (const WideseekCfgItemData& item : list.listItem) {
         if (item.strIdName.empty()) {
             continue;
@@ -47,7 +52,7 @@ bool CWideseekAction::MyRefreshResult() {
             m_listResultData.push_back(pBucket);
         }
     }
-    return true;
+    return bSources;
 }
 
 bool CWideseekAction::MyClearResult() {

@@ -30,15 +30,16 @@ constexpr std::size_t MAX_BUDDY_NUMBERS = 3;
 } // namespace
 
 bool CWideseekAction::MyReSearch(std::string strKey, std::string strRawKey) {
-    MyRefreshResult();
+    // One list for the buckets and for the questions: a bucket that a reload in between leaves unasked would never finish.
+    WideseekCfgListData list;
+    const bool bSources = MyRefreshResult(list);
     m_bTimerWaiting = false;
     if (!MyIsCurrent(strKey)) {
         // The buckets are empty, so the newer request must not be taken for a repeat of this one.
         MyForgetSearched();
         return false;
     }
-    WideseekCfgListData list;
-    if (!CWideseekController::LendEnableCfgList(&list)) {
+    if (!bSources) {
         return true;
     }
     for (const WideseekCfgItemData& item : list.listItem) {
@@ -209,7 +210,7 @@ void CWideseekAction::OnTaskActionCallbackLdap(NS_TA::CLdapAction* pAction) {
         if (!result.strNumber.empty()) {
             item.strName = result.strName;
             item.strNumber = result.strNumber;
-            MyAppendRow(*pBucket, item);
+            MyAppendRow(*pBucket, item, true);
         }
     }
     MyRestoreCallback();

@@ -73,6 +73,10 @@ void CWideseekController::ReleaseInstance() {
         if (pController == nullptr) {
             return;
         }
+        // Before another controller can come up: a detach that finds the next one would leave this one sending.
+        if (pController->m_pSearchAction != nullptr) {
+            pController->m_pSearchAction->Stop();
+        }
         m_pInst = nullptr;
         Uses().cvUnused.wait(lock, [pController] { return pController->m_iUses == 0; });
     }
@@ -102,9 +106,6 @@ bool CWideseekController::MyInit() {
 }
 
 bool CWideseekController::MyFinal() {
-    if (m_pSearchAction != nullptr) {
-        m_pSearchAction->Stop();
-    }
     Wideseek_DestroySearchAction(m_pSearchAction);
     m_pSearchAction = nullptr;
     TrackedDelete(m_pModel);
