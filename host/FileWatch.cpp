@@ -14,7 +14,7 @@ std::optional<FileStamp> look(const std::filesystem::path& path) {
 } // namespace
 
 FileWatch::FileWatch(std::filesystem::path path, std::chrono::milliseconds period, std::function<void()> onChange)
-    : m_thread([this, path = std::move(path), period, onChange = std::move(onChange), known = look(path)]() mutable {
+    : m_thread([this, known = look(path), path = std::move(path), period, onChange = std::move(onChange)]() mutable {
           std::unique_lock lock(m_mutex);
           while (!m_wake.wait_for(lock, period, [this] { return m_ending; })) {
               lock.unlock();
