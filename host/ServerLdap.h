@@ -1,7 +1,7 @@
 // An LDAP directory behind the phone's LDAP module: a real server, asked over the network (RFC 4511).
 //
 //     std::vector<std::string> problems;
-//     if (auto options = host::readServerLdapOptions(config, problems))
+//     if (auto options = host::readServerLdapOptions(file, problems))
 //         phone.setLdap(host::makeServerLdap(*options, log));
 //
 // One worker thread does everything that touches the network: it connects, binds, searches, and calls done. start and
@@ -20,6 +20,7 @@
 #include "host/LdapDirectory.h"
 
 #include <chrono>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -27,8 +28,6 @@
 #include <vector>
 
 namespace host {
-
-class ConfigFile;
 
 enum class LdapScope { base, one, subtree };
 
@@ -56,9 +55,11 @@ struct ServerLdapOptions {
 // called on the worker thread (and on the caller's within makeServerLdap) with no lock held. Any thread.
 std::shared_ptr<LdapDirectory> makeServerLdap(ServerLdapOptions options, std::function<void(std::string)> log);
 
-// Reads the section [ldap]. Nothing when it has mistakes, each of which is appended to problems as "file: key: value:
-// what is allowed": no server is asked with half of its settings, as a misread one may send a password unprotected. Any
-// thread.
-std::optional<ServerLdapOptions> readServerLdapOptions(ConfigFile& config, std::vector<std::string>& problems);
+// Reads the section [ldap] of a configuration file (ConfigFile.h). Nothing when there are mistakes, each of which is
+// appended to problems as "file: [ldap] key: value: what is allowed": no server is asked with half of its settings, as
+// a misread one may send a password unprotected. A line that cannot be read counts as well: it may have been one of
+// them. Any thread.
+std::optional<ServerLdapOptions> readServerLdapOptions(const std::filesystem::path& file,
+                                                       std::vector<std::string>& problems);
 
 } // namespace host

@@ -15,7 +15,15 @@ namespace {
 // The section [ldap]: each value checked as it is read, each mistake noted.
 class LdapSection {
 public:
-    LdapSection(ConfigFile& config, std::vector<std::string>& problems) : m_config(config), m_problems(problems) {}
+    LdapSection(const std::filesystem::path& file, std::vector<std::string>& problems)
+        : m_config(file,
+                   [&problems](const std::string& problem) {
+                       // A file that was written just now is read again for each value.
+                       if (std::find(problems.begin(), problems.end(), problem) == problems.end()) {
+                           problems.push_back(problem);
+                       }
+                   }),
+          m_problems(problems) {}
 
     void refuse(const std::string& key, const std::string& shown, const std::string& allowed) {
         m_problems.push_back(m_config.path().string() + ": [ldap] " + key + ": " + shown + ": " + allowed);
@@ -79,7 +87,7 @@ public:
     }
 
 private:
-    ConfigFile& m_config;
+    ConfigFile m_config;
     std::vector<std::string>& m_problems;
 };
 
@@ -103,9 +111,10 @@ void checkTransport(LdapSection& section, const ServerLdapOptions& options) {
 
 } // namespace
 
-std::optional<ServerLdapOptions> readServerLdapOptions(ConfigFile& config, std::vector<std::string>& problems) {
+std::optional<ServerLdapOptions> readServerLdapOptions(const std::filesystem::path& file,
+                                                       std::vector<std::string>& problems) {
     const std::size_t before = problems.size();
-    LdapSection section(config, problems);
+    LdapSection section(file, problems);
     ServerLdapOptions options;
     options.url = section.text("url");
     const std::map<std::string, bool> onOff = {{"on", true}, {"off", false}};

@@ -13,6 +13,7 @@
 #include <fstream>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 
 namespace {
 
@@ -35,54 +36,15 @@ directory FOLDER
 )";
 
 // Names that would mean something in a filter, numbers written in every way, and attributes that are hardly of use.
-constexpr const char* oddPeople = R"(dn: dc=example,dc=com
-objectClass: domain
-
-dn: uid=numbers,dc=example,dc=com
-objectClass: inetOrgPerson
-objectClass: extensibleObject
-cn: Nora Numbers
-sn: Numbers
-telephoneNumber: +44 (1632) 960-123
-MOBILE: +44.7700/900 456
-deskPhone: *21#
-deskPhone: 44 [7700] 900.456
-
-dn: uid=star,dc=example,dc=com
-objectClass: inetOrgPerson
-cn: Star * Odd
-sn: Odd
-telephoneNumber: 8001
-
-dn: uid=bracket,dc=example,dc=com
-objectClass: inetOrgPerson
-cn: Bracket (cn=* Odd
-sn: Odd
-telephoneNumber: 8002
-
-dn: uid=backslash,dc=example,dc=com
-objectClass: inetOrgPerson
-cn: Back\2a Odd
-sn: Odd
-telephoneNumber: 8003
-
-dn: uid=accent,dc=example,dc=com
-objectClass: inetOrgPerson
-cn:: Wm/DqyBPZGQ=
-displayName: Zoe in Full
-sn: Odd
-telephoneNumber: 8004
-
-dn: uid=bytes,dc=example,dc=com
-objectClass: inetOrgPerson
-objectClass: extensibleObject
-cn: Byte Broken
-sn: Broken
-jpegPhoto:: //7/
-telephoneNumber: 8005
-deskPhone: not here
-
-)";
+constexpr std::pair<const char*, const char*> oddPeople[] = {
+    {"Nora Numbers", "telephoneNumber: +44 (1632) 960-123\nMOBILE: +44.7700/900 456\n"
+                     "deskPhone: *21#\ndeskPhone: 44 [7700] 900.456"},
+    {"Star * Odd", "telephoneNumber: 8001"},
+    {"Bracket (cn=* Odd", "telephoneNumber: 8002"},
+    {"Back\\2a Odd", "telephoneNumber: 8003"},
+    {"Zo\u00EB Odd", "displayName: Zoe in Full\ntelephoneNumber: 8004"},
+    {"Byte Broken", "jpegPhoto:: //7/\ntelephoneNumber: 8005\ndeskPhone: not here"},
+};
 
 std::string replaced(std::string text, const std::string& what, const std::string& by) {
     for (std::size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + by.size())) {
@@ -119,7 +81,13 @@ void SlapdServer::writeFiles() {
     const std::string folder = m_folder.string();
     std::ofstream(m_folder / "slapd.conf") << replaced(settings, "FOLDER", folder);
     std::ofstream ldif(m_folder / "people.ldif");
-    ldif << oddPeople;
+    ldif << "dn: dc=example,dc=com\nobjectClass: domain\n\n";
+    for (int i = 0; const auto& [name, attributes] : oddPeople) {
+        ldif << "dn: uid=odd" << i++
+             << ",dc=example,dc=com\nobjectClass: inetOrgPerson\nobjectClass: extensibleObject\n"
+             << "sn: Odd\ncn: " << name << "\n"
+             << attributes << "\n\n";
+    }
     for (int i = 0; i < people; ++i) {
         char entry[256];
         std::snprintf(entry, sizeof entry,
