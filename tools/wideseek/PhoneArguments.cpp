@@ -27,14 +27,26 @@ std::filesystem::path defaultRoot() {
 
 } // namespace
 
-void addPhoneArguments(CLI::App& command, PhoneArguments& arguments) {
+void addRootArgument(CLI::App& command, std::string& root) {
     command
-        .add_option("--root", arguments.root,
+        .add_option("--root", root,
                     "The phone's root folder, with config/data and config/contacts in it.\n"
                     "Default: the environment variable WIDESEEK_ROOT, else the sample phone")
         ->option_text("DIR")
         ->envname("WIDESEEK_ROOT")
         ->transform(asTyped());
+}
+
+std::filesystem::path phoneRootOf(const std::string& root) {
+    return root.empty() ? defaultRoot() : std::filesystem::path(root);
+}
+
+std::filesystem::path sourceListOf(const std::filesystem::path& root) {
+    return root / sourceList;
+}
+
+void addPhoneArguments(CLI::App& command, PhoneArguments& arguments) {
+    addRootArgument(command, arguments.root);
     command
         .add_option("--ldap-delay", arguments.ldapDelay,
                     "Milliseconds after which the file answers that stands in for an LDAP server.\n"
@@ -51,13 +63,13 @@ void addPhoneArguments(CLI::App& command, PhoneArguments& arguments) {
 
 host::PhoneOptions phoneOptionsOf(const PhoneArguments& arguments) {
     host::PhoneOptions options;
-    options.root = arguments.root.empty() ? defaultRoot() : std::filesystem::path(arguments.root);
+    options.root = phoneRootOf(arguments.root);
     const std::string shown = printable(options.root.string());
     if (!isFolder(options.root)) {
         throw std::runtime_error(shown + ": no such folder; give a phone's root with --root");
     }
     std::error_code error;
-    if (!std::filesystem::exists(options.root / sourceList, error)) {
+    if (!std::filesystem::exists(sourceListOf(options.root), error)) {
         std::cerr << "wideseek: " << shown << " has no " << sourceList << ", so no source will be asked\n";
     }
     if (arguments.ldapDelay) {

@@ -3,6 +3,7 @@
 
 #include "host/Phone.h"
 
+#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -21,8 +22,17 @@ struct PhoneArguments {
     std::optional<int> ldapDelay;
 };
 
+// Adds --root alone.
+void addRootArgument(CLI::App& command, std::string& root);
+
 // Adds --root, --log and --ldap-delay, which write to arguments; it lives as long as command.
 void addPhoneArguments(CLI::App& command, PhoneArguments& arguments);
+
+// The root that --root asks for; the default one when it is empty.
+std::filesystem::path phoneRootOf(const std::string& root);
+
+// The source list of the phone with this root.
+std::filesystem::path sourceListOf(const std::filesystem::path& root);
 
 // The phone that arguments ask for, in the live driver. Throws std::runtime_error for a root that is no folder and for
 // a log file that cannot be written; a root without a source list is warned of on the standard error output.
