@@ -211,10 +211,10 @@ LdapAnswer ServerLdap::search(const Job& job) {
 
     // Of the people that a number filter finds only some hold the key, so the server cannot count them.
     LdapPeople people(digits ? key : std::string(), static_cast<std::size_t>(limit));
-    RunningSearch running(
-        *m_connection,
-        m_connection->search(digits ? numberFilter(m_options.numberFilter, key) : nameFilter(m_options.nameFilter, key),
-                             m_attributes, digits ? 0 : limit, std::max<long>(left.count(), 1)));
+    RunningSearch running(*m_connection, m_connection->search(digits ? numberFilter(m_options.numberFilter, key)
+                                                                     : nameFilter(m_options.nameFilter, key),
+                                                              m_attributes, digits ? 0 : limit,
+                                                              static_cast<long>(std::max<long long>(left.count(), 1))));
     for (;;) {
         const LdapConnection::Message message = nextMessage(running, job);
         const int type = ldap_msgtype(message.get());
