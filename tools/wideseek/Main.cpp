@@ -1,6 +1,7 @@
 // wideseek: the search library at work on a workstation. Each subcommand has a file of its own.
 
 #include "tools/wideseek/Arguments.h"
+#include "tools/wideseek/CheckCommand.h"
 #include "tools/wideseek/DemoCommand.h"
 #include "tools/wideseek/Interrupt.h"
 #include "tools/wideseek/TypeCommand.h"
@@ -32,8 +33,9 @@ int parseAndRun(int argc, char** argv) {
     CLI::App application("Contact search behind a phone's search box, on a workstation", "wideseek");
     application.set_version_flag("--version", "wideseek " WIDESEEK_VERSION);
     application.require_subcommand(1);
-    const std::vector<wideseek::Command> commands = {wideseek::addDemoCommand(application),
-                                                     wideseek::addTypeCommand(application)};
+    const std::vector<wideseek::Command> commands = {
+        wideseek::addDemoCommand(application), wideseek::addTypeCommand(application),
+        wideseek::addCheckCommand(application)};
     try {
         application.parse(wideseek::argumentsOf(argc, argv));
     } catch (const CLI::ParseError& error) {
