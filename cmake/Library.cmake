@@ -13,9 +13,16 @@ if(sources)
 
   add_library(Wideseek SHARED)
   target_link_libraries(Wideseek PRIVATE wideseek_settings wideseek_objects)
-  target_include_directories(Wideseek INTERFACE "${PROJECT_SOURCE_DIR}")
+  target_include_directories(Wideseek INTERFACE "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>")
   target_link_options(Wideseek PRIVATE "LINKER:--version-script=${PROJECT_SOURCE_DIR}/cmake/libWideseek.map")
   set_property(TARGET Wideseek APPEND PROPERTY LINK_DEPENDS "${PROJECT_SOURCE_DIR}/cmake/libWideseek.map")
   set_target_properties(Wideseek PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
                                             LINKER_LANGUAGE CXX)
+  add_custom_command(
+    TARGET Wideseek
+    POST_BUILD
+    COMMAND "${CMAKE_COMMAND}" "-DSTRIP=${CMAKE_STRIP}" "-DLIBRARY=$<TARGET_FILE:Wideseek>" -P
+            "${PROJECT_SOURCE_DIR}/cmake/PrintStrippedSize.cmake"
+    VERBATIM)
+  include(Install)
 endif()
