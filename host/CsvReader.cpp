@@ -20,11 +20,18 @@ bool isSkipped(std::string_view line) {
 
 CsvReader::CsvReader(std::string_view text, std::string file, std::span<const CsvColumn> columns)
     : m_text(text), m_file(std::move(file)), m_columns(columns), m_places(columns.size(), none) {
-    csv_init(&m_parser, strict);
+    initParser();
     if (m_text.starts_with(byteOrderMark)) {
         m_text.remove_prefix(byteOrderMark.size());
     }
     readHeader();
+}
+
+void CsvReader::initParser() {
+    // A field is copied once for each block that it grows by.
+    constexpr std::size_t block = 64UL * 1024;
+    csv_init(&m_parser, strict);
+    csv_set_blk_size(&m_parser, block);
 }
 
 CsvReader::~CsvReader() {
@@ -122,7 +129,7 @@ bool CsvReader::nextRow() {
                 "a quotation mark or carriage return is out of place - put the whole field in quotation marks and "
                 "double those within it");
             csv_free(&m_parser);
-            csv_init(&m_parser, strict);
+            initParser();
             m_next = behindLine;
             m_nextLine = m_line + 1;
         } else if (m_text.substr(begin, m_next - begin).find('\0') != std::string_view::npos) {

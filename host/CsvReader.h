@@ -50,6 +50,7 @@ public:
     std::vector<std::string>& problems() { return m_problems; }
 
 private:
+    void initParser();
     void readHeader();
     void nameColumn(std::size_t place, std::string_view name);
     std::string knownColumns() const;
