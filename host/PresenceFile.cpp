@@ -73,12 +73,14 @@ PresenceInfo readBuddy(const Json& entry, std::set<int>& ids, const Report& prob
     buddy.strInfo1 = member<std::string>(entry, "info1", "");
     buddy.strInfo2 = member<std::string>(entry, "info2", "");
     buddy.iInfo = member(entry, "info", -1);
-    const Json attributes = entry.value("attributes", Json::array());
-    if (!attributes.is_array()) {
-        throw std::invalid_argument("\"attributes\" is no array");
-    }
-    for (const Json& attribute : attributes) {
-        buddy.listAttr.push_back(readAttribute(attribute, problem));
+    // Not a copy: copying goes as deep as a file may nest.
+    if (const auto attributes = entry.find("attributes"); attributes != entry.end()) {
+        if (!attributes->is_array()) {
+            throw std::invalid_argument("\"attributes\" is no array");
+        }
+        for (const Json& attribute : *attributes) {
+            buddy.listAttr.push_back(readAttribute(attribute, problem));
+        }
     }
     if (!ids.insert(buddy.iContactId).second) {
         throw std::invalid_argument("the id " + std::to_string(buddy.iContactId) + " is taken by an entry before it");
@@ -111,7 +113,7 @@ ReloadedFile<PresenceFile::Buddies>::Made PresenceFile::read(std::string_view by
     Json entries;
     try {
         entries = Json::parse(bytes);
-    } catch (const Json::parse_error& reason) {
+    } catch (const Json::exception& reason) { // malformed, or a number that is too large
         made.error = file + ": " + reason.what();
         return made;
     }
