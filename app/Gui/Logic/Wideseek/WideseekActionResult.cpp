@@ -50,6 +50,9 @@ bool CWideseekAction::MyRefreshResult(WideseekCfgListData& list) {
             pBucket->strType = item.strIdName;
             pBucket->iState = RESULT_STATE_PENDING;
             m_listResultData.push_back(pBucket);
+        } else {
+            // The source is not asked, so what is found is no key's whole result.
+            ResetKey();
         }
     }
     return bSources;
