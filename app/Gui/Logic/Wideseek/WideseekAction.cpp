@@ -22,7 +22,6 @@ bool CWideseekAction::MyInit() {
     if (m_pResultList == nullptr) {
         m_pResultList = WS_NEW("app/Gui/Logic/Wideseek/WideseekAction") WideseekListData;
     }
-    const CLock lock(m_csWork);
     MyRefreshResult();
     return true;
 }

@@ -154,7 +154,10 @@ private:
         unsigned long long uSerial = 0;
     };
 
-    bool MyInit();
+    // Called by the constructor, when nobody else knows the object. The lock is not taken: the controller makes the action
+    // with its own lock held, which work with m_csWork held may wait for.
+    bool MyInit() CH_REQUIRES(m_csWork);
+
     bool MyFinal();
     bool MyIsSearchFromLast(std::string strKey, std::string strLastKey) const;
 
