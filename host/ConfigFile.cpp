@@ -1,8 +1,11 @@
 #include "host/ConfigFile.h"
 
+#include <algorithm>
 #include <charconv>
 #include <ini.h>
 #include <system_error>
+#include <utility>
+#include <vector>
 
 namespace host {
 
@@ -19,6 +22,35 @@ std::optional<int> toInteger(const std::optional<std::string>& text) {
     return error == std::errc() && last == end ? std::optional(number) : std::nullopt;
 }
 
+// Gives the INI reader its lines, as fgets would, and knows which one it is at.
+struct LineReader {
+    std::string_view rest;
+    const std::string& file;
+    int line = 0;
+    bool indented = false;
+    std::vector<std::string> problems;
+
+    void report(const std::string& reason) { problems.push_back(file + ":" + std::to_string(line) + ": " + reason); }
+
+    static char* next(char* buffer, int size, void* stream) {
+        auto& self = *static_cast<LineReader*>(stream);
+        if (self.rest.empty()) {
+            return nullptr;
+        }
+        std::string_view text = self.rest.substr(0, self.rest.find('\n'));
+        self.rest.remove_prefix(std::min(text.size() + 1, self.rest.size()));
+        ++self.line;
+        self.indented = text.starts_with(' ') || text.starts_with('\t');
+        if (text.size() >= static_cast<std::size_t>(size)) {
+            self.report("is skipped: it is longer than " + std::to_string(size - 1) +
+                        " characters; let the value go on in an indented line");
+            text = {};
+        }
+        *std::copy(text.begin(), text.end(), buffer) = '\0';
+        return buffer;
+    }
+};
+
 } // namespace
 
 ConfigFile::ConfigFile(std::filesystem::path path, ProblemSink problemSink)
@@ -27,18 +59,23 @@ ConfigFile::ConfigFile(std::filesystem::path path, ProblemSink problemSink)
 
 ReloadedFile<ConfigFile::Keys>::Made ConfigFile::read(std::string_view bytes, const std::string& file) {
     const auto keys = std::make_shared<Keys>();
+    LineReader lines{.rest = bytes, .file = file, .line = 0, .indented = false, .problems = {}};
     const auto store = [](void* user, const char* section, const char* key, const char* text) {
-        (*static_cast<Keys*>(user))[key][section] = text;
+        const auto& [into, from] = *static_cast<std::pair<Keys*, LineReader*>*>(user);
+        const auto [known, isNew] = (*into)[key].emplace(section, text);
+        if (!isNew && from->indented) {
+            known->second += text;
+        } else if (!isNew) {
+            from->report("sets " + std::string(key) + " again; keep one of the lines");
+        }
         return 1;
     };
-    ReloadedFile<Keys>::Made made;
-    const int line = ini_parse_string(std::string(bytes).c_str(), store, keys.get());
-    if (line > 0) {
-        made.problems.push_back(file + ":" + std::to_string(line) +
-                                ": is skipped; write [section], key = value, or a comment after \";\"");
+    std::pair<Keys*, LineReader*> user(keys.get(), &lines);
+    if (const int line = ini_parse_stream(&LineReader::next, &lines, store, &user); line > 0) {
+        lines.line = line;
+        lines.report("is skipped; write [section], key = value, or a comment after \";\"");
     }
-    made.content = keys;
-    return made;
+    return {.content = keys, .problems = std::move(lines.problems), .error = {}};
 }
 
 std::shared_ptr<const ConfigFile::Keys> ConfigFile::keys() {

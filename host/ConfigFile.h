@@ -7,8 +7,9 @@
 //
 // A key is found whatever section it stands in, as the phone knows keys only; a key to which several sections give
 // different values is ambiguous, counts as absent and is reported. Reading from one section by name is for the host's
-// own settings. A file with a line that is no INI line is reported with its number; the other lines hold. The file is
-// read at the first question and again when it has changed. Any thread.
+// own settings. An indented line goes on with the value of the line before it, with nothing between them. Lines that
+// are no INI lines, set a key of their section again or are too long do not count and are reported. The file is read at
+// the first question and again when it has changed. Any thread.
 #pragma once
 
 #include "host/ReloadedFile.h"

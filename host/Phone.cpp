@@ -8,8 +8,10 @@
 #include "host/HeldLocks.h"
 #include "host/PhoneCore.h"
 #include "host/PresenceFile.h"
+#include "host/ServerLdap.h"
 #include "host/TrackedBlocks.h"
 
+#include <stdexcept>
 #include <utility>
 
 namespace host {
@@ -31,6 +33,7 @@ struct Phone::State {
     ProblemSink problemSink() const;
     void openContactFiles();
     std::shared_ptr<LdapDirectory> configuredLdap() const;
+    std::shared_ptr<LdapDirectory> serverLdap(const std::filesystem::path& config) const;
 };
 
 ProblemSink Phone::State::problemSink() const {
@@ -60,8 +63,12 @@ void Phone::State::openContactFiles() {
 std::shared_ptr<LdapDirectory> Phone::State::configuredLdap() const {
     ConfigFile& config = core->configFile();
     const std::string mode = config.value("ldap", "mode").value_or("embedded");
+    if (mode == "server") {
+        return serverLdap(config.path());
+    }
     if (mode != "embedded") {
-        core->addProblem(config.path().string() + ": [ldap] mode = " + mode + " is not known; write embedded");
+        core->addProblem(config.path().string() + ": [ldap] mode = " + mode +
+                         " is not known; write embedded or server");
         return nullptr;
     }
     const std::chrono::milliseconds delay(config.integer("ldap", "delay_ms").value_or(usualLdapDelay.count()));
@@ -69,6 +76,27 @@ std::shared_ptr<LdapDirectory> Phone::State::configuredLdap() const {
         core->kernel,
         std::make_unique<FileDirectory>(core->realPath("/config/contacts/ldap_directory.csv"), problemSink()),
         core->options.ldapDelay.value_or(delay));
+}
+
+std::shared_ptr<LdapDirectory> Phone::State::serverLdap(const std::filesystem::path& config) const {
+    std::vector<std::string> mistakes;
+    const auto options = readServerLdapOptions(config, mistakes);
+    for (const std::string& mistake : mistakes) {
+        core->addProblem(mistake);
+    }
+    if (!options) {
+        return nullptr;
+    }
+    try {
+        return makeServerLdap(*options, [weak = std::weak_ptr(core)](const std::string& line) {
+            if (const auto alive = weak.lock()) {
+                alive->report(6, "LDAP: " + line);
+            }
+        });
+    } catch (const std::invalid_argument& reason) {
+        core->addProblem(config.string() + ": [ldap] " + reason.what());
+        return nullptr;
+    }
 }
 
 Phone::Phone(PhoneOptions options) : m_state(std::make_unique<State>()) {

@@ -306,20 +306,26 @@ TEST_F(SteppedHost, ConfigurationValuesAreIntegersOfAnySectionAsTheFileStands) {
     const auto value = [](const char* key) { return configParser_GetConfigInt(key); };
     EXPECT_EQ(value("A"), -1) << "no file";
     EXPECT_TRUE(phone->problems().empty()) << "which is no problem";
-    test::writeFile(root.path() / "config/data/phone.ini",
-                    "A = 1\n[features]\nB=-7 ; why\nC = 12x\nD =\nE=99999999999\nF=+3\n[other]\n"
-                    "B = -7\nG = 1\n[third]\nG = 2\nnonsense\n");
+    test::writeFile(
+        root.path() / "config/data/phone.ini",
+        "A = 1\n[features]\nB=-7 ; why\nC = 12x\nD =\nE=99999999999\nF=+3\n[other]\nB = -7\nG = 1\n[third]\n"
+        "G = 2\nI = 4\n  2\nnonsense\nI = 43\nJ = " +
+            std::string(300, '1') + "\nK = 5");
     const struct {
         const char* key;
         int value;
-    } cases[] = {{"A", 1}, {"B", -7}, {"C", -1}, {"D", -1}, {"E", -1}, {"F", 3}, {"G", -1}, {"H", -1}};
+    } cases[] = {{"A", 1},  {"B", -7}, {"C", -1}, {"D", -1}, {"E", -1}, {"F", 3},
+                 {"G", -1}, {"H", -1}, {"I", 42}, {"J", -1}, {"K", 5}};
     for (const auto& [key, expected] : cases) {
         EXPECT_EQ(value(key), expected) << key;
     }
+    const char* const reasons[] = {"phone.ini:16: sets I again", "phone.ini:17: is skipped: it is longer than 199",
+                                   "phone.ini:15: is skipped; write", "G has different values in [other] and [third]"};
     const auto problems = phone->problems();
-    ASSERT_EQ(problems.size(), 2U);
-    EXPECT_NE(problems[0].find("phone.ini:13: "), std::string::npos) << problems[0];
-    EXPECT_NE(problems[1].find("G has different values in [other] and [third]"), std::string::npos) << problems[1];
+    ASSERT_EQ(problems.size(), std::size(reasons));
+    for (std::size_t i = 0; i < problems.size(); ++i) {
+        EXPECT_NE(problems[i].find(reasons[i]), std::string::npos) << problems[i];
+    }
     phone->setConfig("A", 5);
     EXPECT_EQ(value("A"), 5);
     test::writeFile(root.path() / "config/data/phone.ini", "B = 8\n");
@@ -341,12 +347,13 @@ TEST_F(SteppedHost, AnInterruptionComesInAtEveryCallAndIsNotInterrupted) {
         seen += std::string(function) + std::to_string(Phone::heldLocks()) + " ";
         app_log(1, 6, "inside\n");
     });
-    ETL_BaseHelper::chCriticalSection section;
-    section.Lock();
-    section.Lock();
+    ETL_BaseHelper::chCriticalSection outer;
+    ETL_BaseHelper::chCriticalSection inner;
+    outer.Lock();
+    inner.Lock();
     app_log(1, 6, "locked\n");
-    section.Unlock();
-    section.Unlock();
+    inner.Unlock();
+    outer.Unlock();
     WideseekItemListData query;
     EXPECT_TRUE(Directory_LocalLogWideseek(&query));
     phone->setInterruption(nullptr);

@@ -133,4 +133,18 @@ TEST(PhoneFiles, EachSourceReadsItsOwnFileBelowTheRoot) {
     EXPECT_EQ(phone.kernel().ready().size(), 1U) << "the configured delay";
 }
 
+TEST(PhoneFiles, AnUnusableLdapConfigurationIsAProblemAndEveryQueryFails) {
+    const test::TempRoot root;
+    for (const char* section : {"mode = no", "mode = server", "mode = server\nurl = http://x",
+                                "mode = server\nurl = ldap://localhost\nbase = dc=x\nscope = some"}) {
+        test::writeFile(root.path() / "config/data/phone.ini", std::string("[ldap]\n") + section + "\n");
+        host::Phone phone(
+            {.root = root.path(), .driver = host::Driver::stepped, .ldapDelay = {}, .contactFiles = true, .log = {}});
+        EXPECT_EQ(phone.problems().size(), 1U) << section;
+        test::Screen receiver;
+        EXPECT_EQ(Ldap_SearchAsync("5", 0, 9, &receiver, nullptr), 0) << section;
+        EXPECT_EQ(phone.kernel().pending(), 1U) << "the failure arrives";
+    }
+}
+
 } // namespace
