@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds what has changed, and runs the tool: with the arguments given, else the demonstration.
+# Installs what is missing, builds what has changed, and runs the tool with the arguments given. Without any, that is the
+# phone's screen on a terminal, else the demonstration.
 set -euo pipefail
 home=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 
 "$home/scripts/install-deps.sh" run
 "$home/scripts/build.sh" release wideseek
 
-(($#)) || set -- demo
 exec "$home/build/release/wideseek" "$@"

@@ -4,17 +4,27 @@
 #include "tools/wideseek/CheckCommand.h"
 #include "tools/wideseek/DemoCommand.h"
 #include "tools/wideseek/Interrupt.h"
+#include "tools/wideseek/PhoneCommand.h"
 #include "tools/wideseek/TypeCommand.h"
 
 #include <CLI/CLI.hpp>
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <exception>
 #include <iostream>
+#include <string>
+#include <vector>
 
 namespace {
 
 namespace exitCode = wideseek::exitCode;
+
+// Without arguments: what a newcomer can type on, or watch.
+std::string defaultCommand() {
+    return isatty(STDIN_FILENO) && isatty(STDOUT_FILENO) ? "phone" : "demo";
+}
 
 int runCommand(const wideseek::Command& command) {
     wideseek::catchInterrupts();
@@ -34,10 +44,10 @@ int parseAndRun(int argc, char** argv) {
     application.set_version_flag("--version", "wideseek " WIDESEEK_VERSION);
     application.require_subcommand(1);
     const std::vector<wideseek::Command> commands = {
-        wideseek::addDemoCommand(application), wideseek::addTypeCommand(application),
-        wideseek::addCheckCommand(application)};
+        wideseek::addPhoneCommand(application), wideseek::addDemoCommand(application),
+        wideseek::addTypeCommand(application), wideseek::addCheckCommand(application)};
     try {
-        application.parse(wideseek::argumentsOf(argc, argv));
+        application.parse(argc > 1 ? wideseek::argumentsOf(argc, argv) : std::vector{defaultCommand()});
     } catch (const CLI::ParseError& error) {
         return application.exit(error) == 0 ? exitCode::success : exitCode::usage;
     }

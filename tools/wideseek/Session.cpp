@@ -1,6 +1,5 @@
 #include "tools/wideseek/Session.h"
 
-#include "app/Gui/Logic/Wideseek/WideseekController.h"
 #include "app/Gui/Logic/Wideseek/modWideseek.h"
 #include "tools/wideseek/Interrupt.h"
 #include "tools/wideseek/Text.h"
@@ -22,23 +21,16 @@ constexpr auto settleBound = std::chrono::seconds(10);
 
 } // namespace
 
-Session::Library::Library(Screen& screen) : m_screen(screen) {
-    if (!Wideseek_PreInit()) {
-        throw std::runtime_error("the search library could not be started: no memory for it");
-    }
-}
-
-Session::Library::~Library() {
-    Wideseek_ResetCallBack(&m_screen);
-    NS_WS::CWideseekController::ReleaseInstance();
-}
-
 Session::Session(host::PhoneOptions options, PageHandler onPage)
     : m_onPage(std::move(onPage)), m_phone(std::move(options)),
-      m_screen([this](const WideseekListData& data) { takePage(data); }), m_library(m_screen) {
+      m_screen([this](const WideseekListData& data) { takePage(data); }) {
     m_phone.setTrace(&m_trace);
     m_phone.watchSourceList();
     reportProblems();
+}
+
+Session::~Session() {
+    Wideseek_ResetCallBack(&m_screen);
 }
 
 Outcome Session::type(const std::string& key, int from, int count) {

@@ -9,6 +9,7 @@
 #pragma once
 
 #include "host/Phone.h"
+#include "tools/wideseek/Library.h"
 #include "tools/wideseek/Screen.h"
 #include "tools/wideseek/TraceLog.h"
 
@@ -43,7 +44,7 @@ public:
     // phone's files and of its sources are written to the standard error output as they turn up, each once. Throws
     // std::runtime_error when the library cannot be started.
     Session(host::PhoneOptions options, PageHandler onPage);
-    ~Session() = default;
+    ~Session();
 
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
@@ -63,19 +64,6 @@ public:
     const TraceLog& trace() const { return m_trace; }
 
 private:
-    // The library, started for a screen; ended before the screen and the phone are.
-    class Library {
-    public:
-        explicit Library(Screen& screen);
-        ~Library();
-
-        Library(const Library&) = delete;
-        Library& operator=(const Library&) = delete;
-
-    private:
-        Screen& m_screen;
-    };
-
     struct Request {
         std::chrono::steady_clock::time_point handedOver;
         std::size_t pages = 0;
@@ -89,8 +77,8 @@ private:
     TraceLog m_trace; // outlives the phone, which reports to it
     PageHandler m_onPage;
     host::Phone m_phone;
-    Screen m_screen;
     Library m_library;
+    Screen m_screen;
     std::vector<Request> m_requests;
     std::vector<int> m_totals;
     std::size_t m_pages = 0;

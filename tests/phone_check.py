@@ -1,0 +1,164 @@
+#!/usr/bin/env python3
+"""Uses the phone's screen as a person does, in a real terminal (tmux): what is seen, and what is left behind."""
+import os, re, shlex, signal, subprocess, sys, tempfile, time, unicodedata
+from pathlib import Path
+
+TOOL = os.environ["WIDESEEK_TOOL"]
+LDAP_DELAY = 2500
+PATIENCE = 20
+problems = []
+folder = tempfile.TemporaryDirectory()
+ROOT = Path(folder.name)
+UP, DOWN, ENTER, ESCAPE = "Up", "Down", "Enter", "Escape"
+
+
+def write(file, *lines):
+    path = ROOT / "config" / file
+    path.parent.mkdir(parents=True, exist_ok=True)
+    path.write_text("\n".join(lines) + "\n")
+
+
+def tmux(*arguments):
+    return subprocess.run(["tmux", "-u", "-f", "/dev/null", "-S", str(ROOT / "socket"), *arguments], check=True,
+                          capture_output=True, text=True, env={**os.environ, "LC_ALL": "C.UTF-8"}).stdout
+
+
+def press(*keys, text=None):
+    tmux("send-keys", *(["-l", text] if text is not None else keys))
+
+
+def screen():
+    return tmux("capture-pane", "-p").splitlines()
+
+
+def see(pattern, what):
+    """Waits until the screen shows pattern; gives the screen."""
+    end = time.monotonic() + PATIENCE
+    while not re.search(pattern, "\n".join(lines := screen()), re.M):
+        if time.monotonic() > end:
+            sys.exit("\n".join([*problems, f"never seen: {what} ({pattern}); the screen:", *lines]))
+        time.sleep(0.02)
+    return lines
+
+
+def cursor_row(lines):
+    return next(((i, line) for i, line in enumerate(lines) if line.startswith("> ")), None)
+
+
+def expect(holds, what):
+    if not holds:
+        problems.append(what)
+
+
+def column_of(line, text):
+    return sum(1 + (unicodedata.east_asian_width(c) in "WF") for c in line[:line.index(text)])
+
+
+def children_of(pid):
+    return Path(f"/proc/{pid}/task/{pid}/children").read_text()
+
+
+def start(*words, terminal=""):
+    press(text=f"clear; {terminal} {shlex.join([TOOL, *words])}; echo \"left:$?\" `stty -g | cksum`\n")
+
+
+sources = "local_directory_search", "ldap_search", "remote_directory_search"
+items = "".join(f'<item id_name="{source}" enable="1" priority="{i}"/>' for i, source in enumerate(sources, 1))
+write("data/wideseek.xml", f"<root_wideseek>{items}</root_wideseek>")
+write("data/phone.ini", "[features]", "FeaturesRecentCallEnable=1", "[ldap]", f"delay_ms={LDAP_DELAY}")
+header = "name,number1,number2,number3,extra"
+write("contacts/local_directory.csv", header, *(f"Local {i:02},5300{i:02},,,Leeds" for i in range(40)),
+      "渡辺渡辺渡辺渡辺渡辺渡辺渡辺渡辺渡辺渡辺渡辺渡辺,886001,,,京都", "Plain,886002,,,x", "Be\x07ll\x1b[1m,886003,,,x")
+write("contacts/ldap_directory.csv", header, *(f"Ldap {i:02},5301{i:02},,,Kyiv" for i in range(7)))
+write("contacts/remote_directory.csv", header, *(f"Remote {i:02},5302{i:02},,,Rome" for i in range(40)))
+write("contacts/call_log.csv", "time,direction,name,number,extra", "2026-01-02T10:00:00,out,Kim,771,then")
+
+try:
+    tmux("new-session", "-d", "-x", "80", "-y", "24", "env", f"WIDESEEK_ROOT={ROOT}", "LC_ALL=C", "PS1=ready> ", "sh")
+    see("^ready>", "the shell")
+    press(text="clear; echo state `stty -g | cksum`\n")
+    state = next(line for line in see(r"^state \d+", "the terminal's state") if line.startswith("state "))[6:]
+
+    # Without arguments: the phone with its recent calls. A key brings rows; LDAP's come later, above the cursor.
+    start()
+    lines = see("> Kim +771 +then", "the recent call")
+    expect(any(re.search("2abc +3def +4ghi +5jkl", line) for line in lines), f"no keypad: {lines}")
+    press(text="53")
+    lines = see(r"1-17 of 80 +page in [\d.]+ ms .*LDAP …", "the first page while LDAP is asked")
+    expect(lines[0].startswith(" Search  53") and cursor_row(lines)[1].split() == ["> Local 00", "530000", "Leeds"]
+           or "> Local 00" in cursor_row(lines)[1], f"key or first row: {lines}")
+    press("NPage", "NPage", "NPage", DOWN, DOWN, DOWN, UP)
+    before = cursor_row(see(r"52-68 of 80", "a further page"))
+    expect(before and "Remote 13" in before[1], f"the row under the cursor: {before}")
+    lines = see(r"59-75 of 87 .*late page after 2\d\d\d\.\d ms", "LDAP's rows")
+    expect(cursor_row(lines) == before, f"a late page has moved {before} to {cursor_row(lines)}")
+    expect("LDAP …" not in "\n".join(lines), "the sign stays when LDAP has answered")
+
+    # Dialled, it is a recent call.
+    press(ENTER)
+    see(r"Would dial 530213 \(Remote 13\)", "what would be dialled")
+    press(ESCAPE)
+    lines = see("> Remote 13 +530213(.|\n)*1-2 of 2 ", "the call among the recent ones")
+
+    # No key is lost or served out of order, however fast: the third row is dialled; without a row, what was typed.
+    press("5", "3", "BSpace", "3", "0", DOWN, DOWN, ENTER)
+    see(r"Would dial 530002 \(Local 02\)", "the third row dialled")
+    press(ESCAPE)
+    pasted = "0918273645" * 6
+    press(text=pasted + "\n")
+    lines = see(f"Would dial {pasted}", "the pasted number dialled")
+    expect("no rows" in "\n".join(lines), f"rows for a number that nobody has: {lines}")
+    press(ESCAPE, "F2")
+    press(text="pläin")
+    see("^ Search  75246 .*digits(.|\n)*> Plain +886002", "letters typed as digits")
+    press("F2", ESCAPE)
+    press(text="渡ä")
+    see("^ Search  渡ä .*letters(.|\n)*No contact matches", "letters typed as letters")
+
+    # Other screens come and go; the cursor is where it was, though LDAP has answered meanwhile.
+    press(ESCAPE, "5", "3", "0", "End")
+    before = cursor_row(see(r"64-80 of 80 .*LDAP …", "the last page"))
+    press("F3")
+    see(r"Number +530239(.|\n)*LDAP: still being asked", "the details")
+    time.sleep(LDAP_DELAY / 1000 + 0.2)
+    press("F1")
+    expect(cursor_row(see(r"71-87 of 87", "the rows after the details")) == before, f"not where it was: {before}")
+    press("F1")
+    see("Backspace +erases", "the help")
+    press(ESCAPE)
+    see(r"71-87 of 87", "the rows after the help")
+
+    # Any size; names are cut by their width, and cannot command the terminal.
+    tmux("resize-window", "-x", "40", "-y", "12")
+    lines = see(r"\d-87 of 87(.|\n)*F1 Help +F2 Digits +F3 Details +F10", "40x12")
+    expect(len(lines) == 12 and "Remote 39" in cursor_row(lines)[1] and "2abc3def" in lines[1], f"40x12: {lines}")
+    press(ESCAPE, "8", "8", "6", "0")
+    lines = see("> 渡辺.*…(.|\n)*1-3 of 3 ", "rows of any script at 40x12")
+    columns = {column_of(line, "88600") for line in lines if "88600" in line}
+    expect(len(columns) == 1, f"numbers not below each other: {lines}")
+    expect(any("Be\ufffdll\ufffd[1m" in line for line in lines), f"control characters: {lines}")
+    tmux("resize-window", "-x", "30", "-y", "8")
+    see("needs 40x12", "that it is too small")
+    tmux("resize-window", "-x", "80", "-y", "24")
+    see("^> 渡辺(.|\n)*1-3 of 3 ", "the rows after it was small")
+
+    # However it ends, the terminal is as it was.
+    for how, code in (lambda: press("F10"), 0), (lambda: press("C-c"), 0), (
+            lambda: os.kill(int(children_of(tmux("display", "-p", "#{pane_pid}").strip())), signal.SIGTERM), 143):
+        how()
+        lines = see(r"^left:\d+ ", "the shell again")
+        expect(f"left:{code} {state}" in lines, f"exit code {code}, terminal {state}: {lines}")
+        start("phone")
+        see("> Remote 13|> Kim", "the phone again")
+    press("F10")
+    see(r"^left:0", "the shell again")
+    start("phone", terminal="TERM=dumb")
+    see('"dumb".*shows no full screen; set TERM(.|\n)*left:1', "what to do about a dumb terminal")
+    start("phone", terminal="TERM=no-such-type")
+    see('"no-such-type".*is not known here; set TERM(.|\n)*left:1', "what to do about an unknown terminal")
+    nowhere = subprocess.run([TOOL, "phone"], stdin=subprocess.DEVNULL, capture_output=True, timeout=PATIENCE)
+    expect(nowhere.returncode == 1 and b"needs a terminal" in nowhere.stderr, f"without a terminal: {nowhere}")
+finally:
+    subprocess.run(["tmux", "-S", str(ROOT / "socket"), "kill-server"], capture_output=True)
+    folder.cleanup()
+sys.exit("\n".join(problems) or 0)
