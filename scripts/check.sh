@@ -39,7 +39,7 @@ check_fuzz() {
         mkdir -p "$corpus"
         echo "$name, ${WIDESEEK_FUZZ_SECONDS:=15} seconds"
         "build/fuzz/$name" -max_total_time="$WIDESEEK_FUZZ_SECONDS" -verbosity=0 -print_final_stats=1 \
-            -artifact_prefix="build/fuzz/" "$corpus" $(find "tests/fuzz/${name%_fuzz}" -maxdepth 0 2>/dev/null || true)
+            -artifact_prefix="build/fuzz/" "$corpus" "tests/fuzz/corpus/${name%_fuzz}"
     done
 }
 
