@@ -26,7 +26,7 @@ std::string placeOf(const std::string& file, Position at) {
 
 void printSources(std::ostream& out, const std::vector<ReportedSource>& sources, bool numbered) {
     const auto left = Table::Align::left;
-    Table table({Table::Align::right, left, left, left});
+    Table table({numbered ? Table::Align::right : left, left, left, left});
     std::size_t number = 0;
     for (const ReportedSource& source : sources) {
         const std::string lead = numbered ? std::to_string(++number) : source.enabled ? "enabled" : "disabled";
