@@ -34,7 +34,11 @@ ActionRef makeAction(const LdapQuery& query, LdapAnswer& answer) {
 
 TraceEvent answerEvent(const LdapAnswer& answer) {
     TraceEvent event{.kind = TraceKind::sourceAnswered, .source = sourceName};
-    event.contacts = answer.rows.size();
+    const std::string* name = nullptr; // a person's rows stand together
+    for (const NS_TA::LdapResultItem& row : answer.rows) {
+        event.contacts += name && *name == row.strName ? 0U : 1U;
+        name = &row.strName;
+    }
     event.numbers = static_cast<std::size_t>(
         std::count_if(answer.rows.begin(), answer.rows.end(),
                       [](const NS_TA::LdapResultItem& row) { return !row.strNumber.empty(); }));

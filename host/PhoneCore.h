@@ -58,6 +58,7 @@ public:
 
     // Completes event with the time and hands it to the trace sink, if there is one.
     void trace(TraceEvent event);
+    bool isTraced() const { return m_trace != nullptr; }
 
     // Lets another thread come in, so to speak, as Phone::setInterruption says.
     void interrupt(std::string_view function);

@@ -7,6 +7,21 @@ namespace host {
 
 namespace {
 
+std::size_t numbersOf(CPresenceContactManager& manager, const ContactBuddyListData& found) {
+    constexpr int phoneNumber = 2; // type of an attribute
+    std::size_t count = 0;
+    for (const int id : found.listContactId) {
+        PresenceInfo info;
+        info.iContactId = id;
+        if (manager.GetContactDetail(info, PRESENCE_TYPE_BUDDY, 0) != 0) {
+            for (const Attribute& attribute : info.listAttr) {
+                count += attribute.iType == phoneNumber && !attribute.strValue.empty() ? 1U : 0U;
+            }
+        }
+    }
+    return count;
+}
+
 // Stands before the phone's manager, so that what is asked and answered is traced whoever the manager is.
 class PresenceFront final : public CPresenceContactManager {
 public:
@@ -23,6 +38,7 @@ public:
         const bool succeeded = manager->GetListByGroupId(pList, iState, iGroupId, strKey, eType);
         event.kind = TraceKind::sourceAnswered;
         event.contacts = pList->listContactId.size();
+        event.numbers = phone->isTraced() ? numbersOf(*manager, *pList) : 0;
         event.failed = !succeeded;
         event.problem = succeeded ? "" : "the buddies could not be listed";
         phone->trace(event);

@@ -1,11 +1,9 @@
 #include "host/PresenceFile.h"
 
-#include "host/ContactMatch.h"
 #include "host/text/Key.h"
 
 #include <limits>
 #include <nlohmann/json.hpp>
-#include <set>
 #include <stdexcept>
 #include <type_traits>
 #include <utility>
@@ -60,7 +58,7 @@ Attribute readAttribute(const Json& entry, const Report& problem) {
     return attribute;
 }
 
-PresenceInfo readBuddy(const Json& entry, std::set<int>& ids, const Report& problem) {
+PresenceInfo readBuddy(const Json& entry, const Report& problem) {
     if (!entry.is_object()) {
         throw std::invalid_argument("is no object");
     }
@@ -82,9 +80,6 @@ PresenceInfo readBuddy(const Json& entry, std::set<int>& ids, const Report& prob
             buddy.listAttr.push_back(readAttribute(attribute, problem));
         }
     }
-    if (!ids.insert(buddy.iContactId).second) {
-        throw std::invalid_argument("the id " + std::to_string(buddy.iContactId) + " is taken by an entry before it");
-    }
     return buddy;
 }
 
@@ -105,7 +100,7 @@ DirectorySearchData asContact(const PresenceInfo& buddy) {
 } // namespace
 
 PresenceFile::PresenceFile(std::filesystem::path path, ProblemSink problemSink)
-    : m_file(std::move(path), std::move(problemSink), &PresenceFile::read) {
+    : m_problemSink(std::move(problemSink)), m_file(std::move(path), m_problemSink, &PresenceFile::read) {
 }
 
 ReloadedFile<PresenceFile::Buddies>::Made PresenceFile::read(std::string_view bytes, const std::string& file) {
@@ -122,49 +117,60 @@ ReloadedFile<PresenceFile::Buddies>::Made PresenceFile::read(std::string_view by
         return made;
     }
     const auto buddies = std::make_shared<Buddies>();
-    std::set<int> ids;
+    std::vector<DirectorySearchData> contacts;
     for (std::size_t i = 0; i < entries.size(); ++i) {
         const auto problem = [&](const std::string& reason) {
             made.problems.push_back(file + ":entry " + std::to_string(i + 1) + ": " + reason);
         };
         try {
-            buddies->push_back(readBuddy(entries[i], ids, problem));
+            PresenceInfo buddy = readBuddy(entries[i], problem);
+            if (!buddies->positions.emplace(buddy.iContactId, buddies->infos.size()).second) {
+                throw std::invalid_argument("the id " + std::to_string(buddy.iContactId) +
+                                            " is taken by an entry before it");
+            }
+            contacts.push_back(asContact(buddy));
+            buddies->infos.push_back(std::move(buddy));
         } catch (const std::invalid_argument& reason) {
             problem(std::string(reason.what()) + "; the entry is left out");
         }
     }
+    buddies->index = ContactIndex(contacts);
     made.content = buddies;
     return made;
 }
 
-bool PresenceFile::GetListByGroupId(ContactBuddyListData* pList, int&, int, const std::string& strKey, AttrType) {
+std::shared_ptr<const PresenceFile::Buddies> PresenceFile::current() {
     std::string error;
-    const auto buddies = m_file.current(error);
+    auto buddies = m_file.current(error);
+    if (!buddies && m_problemSink) {
+        m_problemSink(error);
+    }
+    return buddies;
+}
+
+bool PresenceFile::GetListByGroupId(ContactBuddyListData* pList, int&, int, const std::string& strKey, AttrType) {
+    const auto buddies = current();
     if (!buddies || !pList) {
         return false;
     }
-    const MatchKey key(strKey);
-    for (const PresenceInfo& buddy : *buddies) {
-        if (matches(asContact(buddy), key)) {
-            pList->listContactId.push_back(buddy.iContactId);
-        }
+    ContactIndex::Search search(buddies->index, strKey);
+    while (const auto position = search.next()) {
+        pList->listContactId.push_back(buddies->infos[*position].iContactId);
     }
     return true;
 }
 
 int PresenceFile::GetContactDetail(PresenceInfo& info, PresenceType, int) {
-    std::string error;
-    const auto buddies = m_file.current(error);
+    const auto buddies = current();
     if (!buddies) {
         return 0;
     }
-    for (const PresenceInfo& buddy : *buddies) {
-        if (buddy.iContactId == info.iContactId) {
-            info = buddy;
-            return 1;
-        }
+    const auto at = buddies->positions.find(info.iContactId);
+    if (at == buddies->positions.end()) {
+        return 0;
     }
-    return 0;
+    info = buddies->infos[at->second];
+    return 1;
 }
 
 } // namespace host

@@ -13,11 +13,13 @@
 #pragma once
 
 #include "app/Gui/Logic/Wideseek/WideseekData.h"
+#include "host/ContactIndex.h"
 #include "host/ReloadedFile.h"
 #include "platform/Presence.h"
 
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace host {
@@ -27,16 +29,23 @@ public:
     // problemSink may be empty. It must not ask for buddies.
     PresenceFile(std::filesystem::path path, ProblemSink problemSink);
 
-    // False when the file cannot be read or is no JSON array.
+    // False, and a problem, when the file cannot be read or is no JSON array.
     bool GetListByGroupId(ContactBuddyListData* pList, int& iState, int iGroupId, const std::string& strKey,
                           AttrType eType) override;
     int GetContactDetail(PresenceInfo& info, PresenceType eType, int iFlag) override;
 
 private:
-    using Buddies = std::vector<PresenceInfo>;
+    struct Buddies {
+        std::vector<PresenceInfo> infos;                // in the file's order
+        std::unordered_map<int, std::size_t> positions; // by id
+        ContactIndex index;                             // what the search makes of them, at the same positions
+    };
 
     static ReloadedFile<Buddies>::Made read(std::string_view bytes, const std::string& file);
 
+    std::shared_ptr<const Buddies> current();
+
+    const ProblemSink m_problemSink;
     ReloadedFile<Buddies> m_file;
 };
 

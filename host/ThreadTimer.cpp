@@ -31,6 +31,7 @@ public:
         m_period = period;
         m_nextDue = phone.kernel.now() + period;
         m_running = true;
+        ++m_setting; // two threads that set at the same time leave one timer
         post(phone);
     }
 

@@ -22,8 +22,8 @@ class chMsgProcesser {
 public:
     chMsgProcesser();
 
-    // Offered every message that is for this object before its own handler. Non-zero: the message is dealt with.
-    // The base's answer is 0. Runs on the object's thread.
+    // Offered every message that has a msgObject, such as a timer's expiry, before the handler that it is for.
+    // Non-zero: the message is dealt with. The base's answer is 0. Runs on the object's thread.
     virtual int TryThreadMessage(msgObject& msg);
 
     // Does what WithdrawMessages does, for objects that need it no earlier.
@@ -96,8 +96,8 @@ chSystemShare* uCSystemShareHelpergetGlobalObject();
 
 } // namespace ETL_MsgQueueHelper
 
-// Has pHandler called for every phone message with an id from uFirstId to uLastId, both included, on the phone's message
-// thread, which is none of the threads that search. Registering the same handler for the same ids again changes nothing.
-// A registration is never withdrawn. The handler's result is for the phone's log only. Any thread.
+// Has pHandler called for every phone message with an id from uFirstId to uLastId, both included, on the phone's
+// message thread, which is none of the threads that search. Registering the same handler for the same ids again changes
+// nothing. A registration is never withdrawn. The handler's result is for the phone's log only. Any thread.
 void EtlMsgHandler_RegisterMsgHandle(unsigned int uFirstId, unsigned int uLastId,
                                      int (*pHandler)(ETL_MsgQueueHelper::msgObject& msg));

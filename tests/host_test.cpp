@@ -10,6 +10,7 @@
 #include "platform/SystemFile.h"
 #include "platform/TrackedMemory.h"
 #include "tests/support/Files.h"
+#include "tests/support/Recorder.h"
 #include "tests/support/SteppedPhone.h"
 
 #include <atomic>
@@ -361,20 +362,11 @@ TEST_F(SteppedHost, AnInterruptionComesInAtEveryCallAndIsNotInterrupted) {
     EXPECT_EQ(seen, "app_log2 Directory_LocalLogWideseek0 Directory_LocalLogWideseek:answered0 ");
 }
 
-struct Recorder : host::TraceSink {
-    std::string seen;
-    void onTrace(const host::TraceEvent& event) override {
-        seen += std::to_string(static_cast<int>(event.kind)) + "|" + std::string(event.source) + "|" +
-                std::string(event.key) + "|" + std::to_string(event.contacts) + "/" + std::to_string(event.numbers) +
-                (event.failed ? "|" + std::string(event.problem) : "") + "\n";
-    }
-};
-
 TEST_F(SteppedHost, ASearchIsTracedWithWhatTheSourceOfferedAndWhyItFailed) {
     const auto source = std::make_shared<test::ScriptedSource>();
     source->contacts = {{"Ann", {"51", "52"}}, {"Bob", {"53"}}};
     phone->setSource(host::Source::localDirectory, source);
-    Recorder recorder;
+    test::Recorder recorder;
     phone->setTrace(&recorder);
     WideseekItemListData query;
     query.strKey = "5";

@@ -3,6 +3,7 @@
 #include "host/EmbeddedLdap.h"
 #include "host/Phone.h"
 #include "platform/Ldap.h"
+#include "tests/support/Recorder.h"
 #include "tests/support/SteppedPhone.h"
 
 #include <gtest/gtest.h>
@@ -135,6 +136,26 @@ TEST_F(LdapModule, QueriesForDifferentCallbackObjectsTakeTurns) {
     directory->done[5]({true, {}, ""});
     run();
     EXPECT_EQ(answers, "a=0;y=0;b=0;c=0;z=0;");
+}
+
+TEST_F(LdapModule, AQueryIsTracedFromItsStartToTheSearchOrToItsEnd) {
+    test::Recorder recorder;
+    phone.setTrace(&recorder);
+    ask("a");
+    ask("b");
+    directory->done[1]({true, {{"Ann", "1"}, {"Ann", ""}, {"Bob", "2"}}, ""});
+    ask("c");
+    directory->done[2]({false, {}, "refused"});
+    recorder.seen += "answered\n";
+    run();
+    EXPECT_EQ(recorder.seen, "3|LDAP|a|0/0\n5|LDAP|a|0/0\n3|LDAP|b|0/0\n5|LDAP||0/0\n3|LDAP|c|0/0\nanswered\n"
+                             "4|LDAP|c|0/0|refused\n");
+    recorder.seen.clear();
+    ask("d");
+    directory->done[3]({true, {{"Ann", "1"}, {"Ann", ""}, {"Bob", "2"}}, ""});
+    run();
+    EXPECT_EQ(recorder.seen, "3|LDAP|d|0/0\n4|LDAP|d|2/2\n");
+    phone.setTrace(nullptr);
 }
 
 TEST_F(LdapModule, AMissingDirectoryIsAFailureThatArrivesLaterAllTheSame) {

@@ -67,6 +67,8 @@ TEST(PresenceFile, WhatIsWrongIsReportedOnceAndTheRestIsKept) {
     std::vector<std::string> problems;
     host::PresenceFile file(root.path() / "b.json", [&](const std::string& problem) { problems.push_back(problem); });
     EXPECT_EQ(idsOf(file, ""), "failed") << "no file";
+    EXPECT_EQ(problems.size(), 1U);
+    problems.clear();
     test::writeFile(root.path() / "b.json", R"([{"id": 1}, 5, {"name": "x"}, {"id": "1"}, {"id": 1}, {"id": 3000000000},
         {"id": 6, "name": 7}, {"id": 7, "attributes": {}}, {"id": 8, "attributes": [1]},
         {"id": 9, "attributes": [{"type": 2, "value": "extension 7"}]}, {"id": 10, "info": 1.5}, {"id": 11}])");
@@ -88,7 +90,9 @@ TEST(PresenceFile, WhatIsWrongIsReportedOnceAndTheRestIsKept) {
     }
     for (const char* broken : {"[{\"id\": 1},", "{\"id\": 1}", ""}) {
         test::writeFile(root.path() / "b.json", broken);
+        problems.clear();
         EXPECT_EQ(idsOf(file, ""), "failed") << broken;
+        EXPECT_EQ(problems.size(), 1U) << broken;
     }
     test::writeFile(root.path() / "b.json", R"([{"id": 12}])");
     EXPECT_EQ(idsOf(file, ""), "12 ");
