@@ -42,6 +42,7 @@ CWideseekAction::CHandOver::CHandOver(CWideseekAction& action, NS_TA::CTaskActio
     m_action.m_bFlag = false;
     m_action.m_bRead = true;
     m_action.m_requestNext.pCallback = pCallback;
+    m_action.m_requestNext.bDropped = false;
     ++m_action.m_requestNext.uSerial;
 }
 
@@ -103,14 +104,18 @@ void CWideseekAction::ResetKey() {
 
 void CWideseekAction::Detach(const NS_TA::CTaskActionCallbackBase* pCallback) {
     const CLock lock(m_csRequest);
+    // A request that has lost its object has nobody for a late answer's page either: the object of the request before it
+    // never asked for that page.
     if (m_pCallback == pCallback) {
         m_pCallback = nullptr;
+        m_pLastCallback = nullptr;
     }
     if (m_pLastCallback == pCallback) {
         m_pLastCallback = nullptr;
     }
     if (m_requestNext.pCallback == pCallback) {
         m_requestNext.pCallback = nullptr;
+        m_requestNext.bDropped = true;
     }
 }
 
@@ -192,6 +197,9 @@ bool CWideseekAction::MyTakeRequest(bool& bRead) {
     m_uSerial = m_requestNext.uSerial;
     m_pCallback = m_requestNext.pCallback;
     m_requestNext.pCallback = nullptr;
+    if (m_requestNext.bDropped) {
+        m_pLastCallback = nullptr;
+    }
     m_strKey = m_requestNext.strKey;
     m_strRawKey = m_requestNext.strRawKey;
     m_iFromIndex = m_requestNext.iFromIndex;

@@ -151,6 +151,7 @@ private:
         int iFromIndex = 0;
         int iSearchCount = 0;
         NS_TA::CTaskActionCallbackBase* pCallback = nullptr;
+        bool bDropped = false; // pCallback has been forgotten since
         unsigned long long uSerial = 0;
     };
 
