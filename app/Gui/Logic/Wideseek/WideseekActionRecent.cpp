@@ -17,12 +17,18 @@ bool CWideseekAction::ReadEmptyByKey() {
     // Both modules are told of the empty key; what they find is not used.
     WideseekItemListData data;
     Directory_LocalDirWideseek(&data);
+    if (MyIsStopped()) {
+        return true;
+    }
     data.listResult.Clear();
     data.strKey.clear();
     data.iReserved1 = 0;
     data.iReserved2 = 0;
     data.iReserved3 = 0;
     Directory_LocalLogWideseek(&data);
+    if (MyIsStopped()) {
+        return true;
+    }
 
     MyClearResult();
     MySearchRecent();
