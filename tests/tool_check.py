@@ -118,7 +118,8 @@ with socket.create_server(("127.0.0.1", 0)) as silent:
     write("data/phone.ini", f"[ldap]\nmode=server\nurl=ldap://127.0.0.1:{silent.getsockname()[1]}\ntime_limit_ms=700\n")
     asked = run("--trace", "--json", "53")
     ldap, = (s for s in json.loads(asked.stdout.splitlines()[-1])["trace"]["sources"] if s["source"] == "LDAP")
-    expect(ldap["failed"] and ldap["problem"] and "wideseek: LDAP: " in asked.stderr.decode(), f"a silent server: {asked}")
+    told = "wideseek: LDAP: " in asked.stderr.decode()
+    expect(ldap["failed"] and ldap["problem"] and told, f"a silent server: {asked}")
 write("data/phone.ini", f"[ldap]\nmode=embedded\ndelay_ms={LDAP_DELAY}\n")
 
 # While it runs: another source list is read, Ctrl-C ends it.
