@@ -391,7 +391,8 @@ TEST(FileWatch, AChangeACreationAndARemovalAreEachReported) {
         }
         return reports == count;
     };
-    test::writeFile(path, "1");
+    test::writeFile(root.path() / "aside", "1");
+    std::filesystem::rename(root.path() / "aside", path); // there whole, at once
     EXPECT_TRUE(awaits(1));
     std::this_thread::sleep_for(20ms);
     EXPECT_EQ(reports, 1) << "once";
