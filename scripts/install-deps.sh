@@ -7,6 +7,7 @@
 #   test   to run the tests
 #   check  to run the checks of scripts/check.sh
 #   bench  to measure
+#   arm    to build for the 32-bit ARM phone and to run that here
 #
 # With WIDESEEK_NO_INSTALL=1 in the environment it does nothing, for systems that get their packages otherwise.
 set -euo pipefail
@@ -17,6 +18,7 @@ declare -A packages=(
     [test]="libgtest-dev libgmock-dev slapd ldap-utils openssl tmux python3"
     [check]="clang clang-tidy clang-format libclang-rt-14-dev binutils"
     [bench]="libbenchmark-dev libsqlite3-dev valgrind"
+    [arm]="g++-arm-linux-gnueabihf qemu-user"
 )
 policy=/usr/sbin/policy-rc.d
 
