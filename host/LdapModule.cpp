@@ -56,6 +56,7 @@ bool LdapModule::search(const std::shared_ptr<PhoneCore>& phone, LdapQuery query
     {
         const std::lock_guard lock(m_mutex);
         ++m_queryCount;
+        m_newest = request;
         m_waiting.push_back(std::move(request));
     }
     startNext(phone);
@@ -126,26 +127,13 @@ void LdapModule::answered(const std::shared_ptr<PhoneCore>& phone, const SharedR
     if (!answer.problem.empty()) {
         phone->report(4, "LDAP: " + answer.problem);
     }
-    TraceEvent event = answerEvent(answer);
-    const ActionRef action = makeAction(request->query, answer);
-    if (!action.get()) {
-        phone->report(2, "LDAP: an answer is lost: no memory for it");
-    }
-    const std::function<void()> deliver = [weak = std::weak_ptr(phone), request, action, event,
-                                           problem = answer.problem]() mutable {
-        if (const auto alive = weak.lock()) {
-            event.key = request->query.key;
-            event.problem = problem;
-            alive->trace(event);
-        }
-        request->callback->OnTaskActionCallback(action.get());
-    };
+    const std::function<void()> deliver = delivery(phone, request, std::move(answer));
 
     const std::lock_guard lock(m_mutex);
     if (!stands()) {
         return;
     }
-    if (action.get()) {
+    if (deliver) {
         request->processor->post(phone->kernel, request->thread, request->processor.get(), {}, "LDAP answer", deliver);
     }
     m_running = nullptr;
@@ -158,6 +146,38 @@ void LdapModule::answered(const std::shared_ptr<PhoneCore>& phone, const SharedR
                                }
                            });
     }
+}
+
+std::function<void()> LdapModule::delivery(const std::shared_ptr<PhoneCore>& phone, const SharedRequest& request,
+                                           LdapAnswer answer) {
+    TraceEvent event = answerEvent(answer);
+    const ActionRef action = makeAction(request->query, answer);
+    if (!action.get()) {
+        phone->report(2, "LDAP: an answer is lost: no memory for it");
+        return nullptr;
+    }
+    return [weak = std::weak_ptr(phone), request, action, event, problem = std::move(answer.problem)]() mutable {
+        if (const auto alive = weak.lock()) {
+            event.key = request->query.key;
+            event.problem = problem;
+            alive->trace(event);
+        }
+        request->callback->OnTaskActionCallback(action.get());
+    };
+}
+
+bool LdapModule::answerAgain(const std::shared_ptr<PhoneCore>& phone, const std::string& key, LdapAnswer answer) {
+    SharedRequest request;
+    {
+        const std::lock_guard lock(m_mutex);
+        if (!m_newest) {
+            return false;
+        }
+        request = std::make_shared<Request>(*m_newest);
+    }
+    request->query.key = key;
+    const std::function<void()> deliver = delivery(phone, request, std::move(answer));
+    return deliver && request->processor->post(phone->kernel, request->thread, nullptr, {}, "LDAP answer", deliver);
 }
 
 void LdapModule::forget(const std::shared_ptr<PhoneCore>& phone, const std::shared_ptr<Processor>& processor) {

@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -24,6 +25,10 @@ public:
     // directory; the answer then says so.
     bool search(const std::shared_ptr<PhoneCore>& phone, LdapQuery query, NS_TA::CTaskActionCallbackBase& callback,
                 MessageThread* thread);
+
+    // Delivers answer as the answer to key to whoever asked last, whatever that was and however often it has been
+    // answered. False when nobody asked, or whoever did takes no more messages.
+    bool answerAgain(const std::shared_ptr<PhoneCore>& phone, const std::string& key, LdapAnswer answer);
 
     // Gives up what was asked for a callback object that takes no more messages.
     void forget(const std::shared_ptr<PhoneCore>& phone, const std::shared_ptr<Processor>& processor);
@@ -45,6 +50,10 @@ private:
     void startNext(const std::shared_ptr<PhoneCore>& phone);
     void answered(const std::shared_ptr<PhoneCore>& phone, const SharedRequest& request, LdapAnswer answer);
 
+    // What hands answer to the callback object of request; none when there is no memory for it.
+    static std::function<void()> delivery(const std::shared_ptr<PhoneCore>& phone, const SharedRequest& request,
+                                          LdapAnswer answer);
+
     // Held while the directory is told to start or to give up, so that both reach it in the order in which they were
     // decided. Never taken where an answer comes in: a directory may wait for that.
     std::mutex m_order;
@@ -52,6 +61,7 @@ private:
 
     mutable std::mutex m_mutex; // taken after m_order
     SharedRequest m_running;    // all guarded by m_mutex
+    SharedRequest m_newest;
     std::deque<SharedRequest> m_waiting;
     std::uint64_t m_queryCount = 0;
 };

@@ -170,6 +170,10 @@ void Phone::setTrace(TraceSink* sink) {
     m_state->core->setTrace(sink);
 }
 
+bool Phone::answerLdapAgain(const std::string& key, LdapAnswer answer) {
+    return m_state->core->ldap.answerAgain(m_state->core, key, std::move(answer));
+}
+
 void Phone::failAllocation(std::size_t nth) {
     failTrackedAllocation(nth);
 }

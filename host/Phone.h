@@ -94,6 +94,10 @@ public:
 
     // ---- faults and accounts, for tests ----
 
+    // What an LDAP module gone wrong would do: delivers answer as the answer to key to whoever asked LDAP last,
+    // whatever that was and however often it has been answered. False when nobody is there to take it. Any thread.
+    bool answerLdapAgain(const std::string& key, LdapAnswer answer);
+
     // The nth tracked allocation from now on (1: the next) gives null, once; 0 ends that.
     static void failAllocation(std::size_t nth);
 
