@@ -1,5 +1,6 @@
 // Answers that come late, buddies, and recent calls.
 
+#include "app/Gui/Logic/Wideseek/WideseekAction.h"
 #include "platform/Presence.h"
 #include "tests/support/SteppedPhone.h"
 
@@ -171,6 +172,36 @@ TEST(Newer, AbandonedNarrowingIsNotTakenForTheShorterKeysResult) {
     phone.phone.setInterruption(nullptr);
     phone.answerLdap(ldapPeople);
     EXPECT_EQ(phone.screen.rows(), "Ann 51, Lea 55, Rob 59");
+}
+
+TEST(Newer, ARequestThatThePhoneDoesNotTakeLeavesNoOtherKeysRowsBehind) {
+    LdapPhone phone;
+    NS_WS::CWideseekAction* action = Wideseek_CreateSearchAction();
+    const auto request = [&](const std::string& key) {
+        const NS_WS::CWideseekAction::CHandOver handOver(*action, &phone.screen);
+        action->SetSearchCount(10);
+        action->SetKey(key);
+        return handOver.GetSerial();
+    };
+    request("5");
+    action->Exec();
+    phone.answerLdap({});
+    phone.phone.setInterruption([&](std::string_view function) {
+        if (function == "Ldap_SearchAsync") {
+            action->TakeBack(request("9"));
+        }
+    });
+    request("51");
+    action->Exec(); // breaks off narrowing
+    phone.phone.setInterruption(nullptr);
+    phone.answerLdap({});
+    EXPECT_EQ(phone.screen.rows(), "Ann 51, Rob 59");
+    EXPECT_EQ(phone.screen.pages.back().strKey, "5") << "the page before";
+    request("51");
+    action->Exec();
+    phone.answerLdap({});
+    EXPECT_EQ(phone.screen.rows(), "Ann 51");
+    Wideseek_DestroySearchAction(action);
 }
 
 // ---- buddies ----

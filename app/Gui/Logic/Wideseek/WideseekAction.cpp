@@ -92,7 +92,7 @@ void CWideseekAction::TakeBack(unsigned long long uSerial) {
     const CLock lock(m_csRequest);
     if (m_requestNext.uSerial == uSerial) {
         m_requestNext.pCallback = nullptr;
-        m_requestNext.uSerial = m_uSerial;
+        m_requestNext.bDropped = true;
     }
 }
 

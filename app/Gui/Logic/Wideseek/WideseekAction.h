@@ -124,7 +124,9 @@ public:
     int GetSearchCount() const CH_REQUIRES(m_csWork);
     void SetSearchCount(int iSearchCount);
 
-    // Withdraws a request that was handed over but could not be queued, unless a newer one has replaced it. Any thread.
+    // A request that was handed over could not be queued: its object gets no page, unless a newer request has replaced it.
+    // It goes on outranking older ones, whose work may have broken off for it and left the buckets half narrowed. Any
+    // thread.
     void TakeBack(unsigned long long uSerial);
 
     // Forgets pCallback wherever it is kept. No send to it is running when this returns, and none follows. Any thread.
