@@ -25,6 +25,8 @@ TempRoot::~TempRoot() {
 }
 
 void TempRoot::write(const std::string& file, const std::string& text) const {
+    // A new file: file systems take milliseconds to make sure of one that is written over.
+    std::filesystem::remove(m_path / file);
     std::ofstream(m_path / file, std::ios::binary) << text;
 }
 
