@@ -1,0 +1,447 @@
+// Random sessions against the oracle: screens type, page, leave and come back, sources fail, LDAP answers late, twice,
+// never or for old keys, the source list changes, the search stops and starts. Every page that arrives is the oracle's.
+//
+// A failure prints the start value of its session and the last steps. This replays it, or runs one long session:
+//
+//     WIDESEEK_RANDOM_START=7 WIDESEEK_RANDOM_STEPS=1000000 build/dev/wideseek_tests --gtest_filter='Random.*'
+
+#include "tests/support/Oracle.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <random>
+
+namespace {
+
+using namespace test;
+
+const std::vector<std::string> allIds = {
+    "local_directory_search",     "calllog_search",           "remote_directory_search", "ldap_search",
+    "BroadSoft_directory_search", "Network_directory_search", "unknown_search",          ""};
+
+class Calls : public host::RecentCalls {
+public:
+    std::vector<Contact> list;
+
+    int outgoing(OxVector<GeneralDirItemData>& calls, int from, int count, std::string&) override {
+        const int size = static_cast<int>(list.size());
+        for (int i = from; i < size && i - from < count; ++i) {
+            const Contact& call = list[static_cast<std::size_t>(i)];
+            calls.PushBack(std::make_unique<GeneralDirItemData>(call.name, call.numbers[0], call.extra).release());
+        }
+        return size;
+    }
+};
+
+class Session : host::TraceSink {
+public:
+    explicit Session(unsigned long long start) : m_start(start), m_random(start) {
+        m_oracle.sources = {
+            {allIds[0], {"local directory", &m_phone.local->contacts, &m_phone.local->fails}},
+            {allIds[1], {"call log", &m_phone.calls->contacts, &m_phone.calls->fails}},
+            {allIds[2], {"remote directory", &m_phone.remote->contacts, &m_phone.remote->fails}},
+            {allIds[4], {"BroadSoft directory", &m_phone.broad->contacts, &m_phone.broad->fails}},
+            {allIds[5], {"BroadSoft directory", &m_phone.broad->contacts, &m_phone.broad->fails}},
+        };
+        for (int i = 0; i < 13; ++i) {
+            m_calls->list.push_back({i % 3 ? "Nan" : "", {std::to_string(i)}, "x"});
+        }
+        m_oracle.calls = m_calls->list;
+        m_phone.phone.setRecentCalls(m_calls);
+        m_phone.phone.setTrace(this);
+        m_phone.phone.setInterruption([this](std::string_view function) {
+            if (function.find("Dir") == std::string_view::npos && !function.starts_with("Ldap_")) {
+                return;
+            }
+            if (m_other && m_working && --m_callsUntilOther == 0) {
+                m_other->onPhone();
+            }
+        });
+        m_oracle.start();
+    }
+
+    ~Session() override {
+        m_phone.phone.setInterruption(nullptr);
+        m_phone.phone.setTrace(nullptr);
+    }
+
+    void run(long steps) {
+        for (long i = 0; i < steps && !testing::Test::HasFailure(); ++i) {
+            step();
+            compare();
+        }
+        m_phone.phone.kernel().moveTime(100ms);
+        while (!testing::Test::HasFailure() && workOne()) {
+            compare();
+        }
+        EXPECT_TRUE(m_oracle.sent.empty()) << "a page never came: " << m_oracle.sent.front().page;
+        if (testing::Test::HasFailure()) {
+            std::string last;
+            for (const std::string& step : m_history) {
+                last += "\n  " + step;
+            }
+            ADD_FAILURE() << "The last steps of the session:" << last
+                          << "\nReplay it with WIDESEEK_RANDOM_START=" << m_start << " WIDESEEK_RANDOM_STEPS=" << steps
+                          << " build/dev/wideseek_tests --gtest_filter='Random.*'";
+        }
+    }
+
+private:
+    // The same thing done on the phone and in the oracle.
+    struct Deed {
+        std::string what;
+        std::function<void()> onPhone;
+        std::function<void()> onPaper;
+    };
+
+    struct LdapAnswer {
+        int life;
+        std::string key;
+        std::vector<Contact> rows;
+        bool succeeded;
+    };
+
+    int below(int end) { return std::uniform_int_distribution<int>(0, end - 1)(m_random); }
+    bool oneIn(int n) { return below(n) == 0; }
+    template <typename T> const T& pick(const std::vector<T>& from) {
+        return from[static_cast<std::size_t>(below(static_cast<int>(from.size())))];
+    }
+
+    void onTrace(const host::TraceEvent& event) override {
+        if (event.kind == host::TraceKind::sourceAsked) {
+            m_asked.push_back(std::string(event.source) + " " + std::string(event.key));
+        }
+        m_sent += event.kind == host::TraceKind::pageSent ? 1U : 0U;
+    }
+
+    void note(const std::string& what) {
+        m_history.push_back(what);
+        if (m_history.size() > 40) {
+            m_history.pop_front();
+        }
+    }
+
+    // ---- what callers do ----
+
+    std::string nextKey() {
+        const char* letters = "51an";
+        switch (below(8)) {
+        case 0:
+            return pick<std::string>({"", " ", "5", "51", "A", " +5", "5-1 ", "a n", "55x"});
+        case 1:
+            return m_key.substr(0, m_key.size() - (m_key.empty() ? 0 : 1));
+        case 2:
+        case 3:
+            return m_key;
+        case 4:
+            return std::string(1, letters[below(4)]);
+        default:
+            return m_key.size() < 4 ? m_key + letters[below(4)] : "5";
+        }
+    }
+
+    Deed request() {
+        m_key = nextKey();
+        Oracle::Request request{m_key, oneIn(3) ? below(5) : 0, oneIn(3) ? below(4) : 10, below(3)};
+        if (oneIn(20)) {
+            request.from = pick<int>({-1, 2147483647, -2147483647, 7});
+            request.count = pick<int>({-1, 0, 2147483647, 1});
+        }
+        request.screen = oneIn(40) ? Oracle::nobody : request.screen;
+        return {"type \"" + request.key + "\" " + std::to_string(request.from) + "+" + std::to_string(request.count) +
+                    " screen " + std::to_string(request.screen),
+                [this, request] {
+                    EXPECT_TRUE(Wideseek_SearchUnion(request.key, request.from, request.count, screen(request.screen)));
+                },
+                [this, request] { m_oracle.handOver(request); }};
+    }
+
+    Deed detach(int of) {
+        return {"detach screen " + std::to_string(of), [this, of] { Wideseek_ResetCallBack(screen(of)); },
+                [this, of] { m_oracle.detach(of); }};
+    }
+
+    Deed stop() {
+        return {"stop", [] { NS_WS::CWideseekController::ReleaseInstance(); }, [this] { m_oracle.stop(); }};
+    }
+
+    Deed reset() {
+        return {"reset", [] { Wideseek_ResetKey(); }, [this] { m_oracle.reset(); }};
+    }
+
+    // The source list is read at once, as by the message thread coming in.
+    Deed reload() {
+        return {"reload",
+                [] {
+                    ETL_MsgQueueHelper::msgObject message{0x10007, 52};
+                    NS_WS::CWideseekController::OnMessage(message);
+                },
+                [this] { m_oracle.reload(); }};
+    }
+
+    Deed anyDeed() {
+        switch (below(10)) {
+        case 0:
+            return detach(below(3));
+        case 1:
+            return oneIn(4) ? stop() : reset();
+        case 2:
+            return reload();
+        default:
+            return request();
+        }
+    }
+
+    void act(const Deed& deed) {
+        note(deed.what);
+        deed.onPhone();
+        deed.onPaper();
+        forgetDeadAnswers();
+    }
+
+    Screen* screen(int index) {
+        return index == Oracle::nobody ? nullptr : m_screens[static_cast<std::size_t>(index)].get();
+    }
+
+    void replaceScreen(int index) {
+        act(detach(index));
+        note("destroy screen " + std::to_string(index));
+        m_screens[static_cast<std::size_t>(index)] = std::make_unique<Screen>();
+        m_sent -= std::erase_if(m_oracle.sent, [&](const Oracle::Sent& sent) { return sent.screen == index; });
+    }
+
+    // ---- the phone around them ----
+
+    std::vector<Contact> people() {
+        std::vector<Contact> list;
+        for (int i = below(6); i > 0; --i) {
+            const std::vector<std::string> numbers = {"5", "51", "+515", "1", "155", "", "9"};
+            list.push_back({pick<std::string>({"Ann", "ann", "Nan", "A N", "Jil", "5a"}), {pick(numbers)}, "e"});
+            for (int more = below(3); more > 0; --more) {
+                list.back().numbers.push_back(pick(numbers));
+            }
+        }
+        return list;
+    }
+
+    void changeContacts() {
+        for (const auto& source : {m_phone.local, m_phone.calls, m_phone.remote, m_phone.broad}) {
+            source->contacts = people();
+            source->fails = oneIn(5);
+        }
+        m_oracle.recentCalls = oneIn(2);
+        m_phone.phone.setConfig("FeaturesRecentCallEnable", m_oracle.recentCalls ? 1 : 2);
+        note("other contacts");
+    }
+
+    void changeList() {
+        m_oracle.file.clear();
+        std::string note = "list";
+        for (int i = below(6); i > 0; --i) {
+            m_oracle.file.push_back(oneIn(3) ? allIds[3] : pick(allIds));
+            note += " " + m_oracle.file.back();
+        }
+        m_phone.setSourceList(sourceListOf(m_oracle.file));
+        this->note(note);
+        if (!oneIn(4)) {
+            m_phone.phone.announceConfigChange(52);
+        }
+    }
+
+    void answerLdap() {
+        LdapAnswer answer{m_askedLife, oneIn(3) ? pick(m_ldapKeys) : m_ldapKeys.back(), people(), !oneIn(5)};
+        host::LdapAnswer sent{answer.succeeded, {}, {}};
+        for (const Contact& person : answer.rows) {
+            for (const std::string& number : person.numbers) {
+                sent.rows.push_back({person.name, number});
+            }
+        }
+        if (m_phone.phone.answerLdapAgain(answer.key, std::move(sent))) {
+            note("LDAP answers \"" + answer.key + "\" " + (answer.succeeded ? "" : "with a failure"));
+            m_answers.push_back(std::move(answer));
+        }
+    }
+
+    // What was queued for a search that is gone has gone with it.
+    void forgetDeadAnswers() {
+        std::erase_if(m_answers, [this](const LdapAnswer& answer) { return !m_oracle.isAlive(answer.life); });
+    }
+
+    // ---- steps ----
+
+    void step() {
+        const int dice = below(100);
+        if (dice < 14) {
+            act(request());
+        } else if (dice < 18) {
+            act(anyDeed());
+        } else if (dice < 20) {
+            changeContacts();
+        } else if (dice < 21) {
+            oneIn(2) ? changeList() : replaceScreen(below(3));
+        } else if (dice < 30 && !m_ldapKeys.empty()) {
+            answerLdap();
+        } else if (dice < 40) {
+            m_phone.phone.kernel().moveTime(host::Duration(1ms) * (oneIn(3) ? 100 : below(60)));
+            note("time passes");
+        } else {
+            workOne();
+        }
+    }
+
+    // Works one of the messages that may come next, with another thread coming in somewhere in the middle.
+    bool workOne() {
+        const std::vector<host::ReadyMessage> ready = m_phone.phone.kernel().ready();
+        if (ready.empty()) {
+            EXPECT_FALSE(m_oracle.timer() && *m_oracle.timer() <= m_phone.phone.kernel().now()) << "no timer expired";
+            return false;
+        }
+        const host::ReadyMessage& message = pick(ready);
+        m_oracle.now = m_phone.phone.kernel().now();
+        note(message.label);
+        if (message.label == "request" && oneIn(4)) {
+            m_other = anyDeed();
+            m_callsUntilOther = 1 + below(8);
+            note("    meanwhile, " + std::to_string(m_callsUntilOther) + ": " + m_other->what);
+        }
+        const int until = m_callsUntilOther;
+        m_working = true;
+        EXPECT_TRUE(m_phone.phone.kernel().step(message.sequence));
+        m_working = false;
+        m_callsUntilOther = until;
+        onPaper(message.label);
+        m_other.reset();
+        forgetDeadAnswers();
+        return true;
+    }
+
+    void onPaper(const std::string& label) {
+        m_oracle.meanwhile = [this] {
+            if (m_other && --m_callsUntilOther == 0) {
+                m_other->onPaper();
+            }
+        };
+        if (label == "request") {
+            m_oracle.work();
+        } else if (label == "timer") {
+            EXPECT_TRUE(m_oracle.timer() || m_oracle.hasPast()) << "a timer nobody armed";
+            if (m_oracle.timer()) {
+                EXPECT_LE(*m_oracle.timer(), m_oracle.now) << "early";
+                m_oracle.expire();
+            }
+        } else if (label == "LDAP answer") {
+            ASSERT_FALSE(m_answers.empty());
+            const LdapAnswer answer = m_answers.front();
+            m_answers.pop_front();
+            if (answer.life == m_oracle.life()) {
+                m_oracle.answer(answer.key, answer.rows, answer.succeeded);
+            }
+        } else if (label == "phone message") {
+            m_oracle.reload();
+        } else if (label == "callback") {
+            checkPage();
+        }
+    }
+
+    void checkPage() {
+        ASSERT_FALSE(m_oracle.sent.empty()) << "a page nobody expects";
+        const Oracle::Sent sent = m_oracle.sent.front();
+        m_oracle.sent.pop_front();
+        --m_sent;
+        std::size_t pages = 0;
+        for (const auto& each : m_screens) {
+            pages += each->count();
+        }
+        ASSERT_EQ(pages, 1U);
+        ASSERT_EQ(screen(sent.screen)->count(), 1U) << "at the wrong screen";
+        EXPECT_EQ(Oracle::textOf(screen(sent.screen)->pages.back()), sent.page);
+        screen(sent.screen)->pages.clear();
+    }
+
+    void compare() {
+        const int life = std::exchange(m_lifeBefore, m_oracle.life());
+        EXPECT_EQ(m_asked, m_oracle.asked);
+        for (const std::string& question : m_asked) {
+            if (question.starts_with("LDAP ")) {
+                m_ldapKeys.push_back(question.substr(5));
+                m_askedLife = life;
+            }
+        }
+        m_ldapKeys.erase(m_ldapKeys.begin(), m_ldapKeys.end() - std::min<std::ptrdiff_t>(std::ssize(m_ldapKeys), 5));
+        EXPECT_EQ(m_sent, m_oracle.sent.size()) << "pages on their way";
+        m_asked.clear();
+        m_oracle.asked.clear();
+        m_phone.log.clear();
+    }
+
+    const unsigned long long m_start;
+    std::mt19937_64 m_random;
+    SteppedPhone m_phone{{}};
+    std::shared_ptr<Calls> m_calls = std::make_shared<Calls>();
+    std::vector<std::unique_ptr<Screen>> m_screens = [] {
+        std::vector<std::unique_ptr<Screen>> screens;
+        for (int i = 0; i < 3; ++i) {
+            screens.push_back(std::make_unique<Screen>());
+        }
+        return screens;
+    }();
+    Oracle m_oracle;
+    std::string m_key;
+    std::optional<Deed> m_other;
+    int m_callsUntilOther = 0;
+    bool m_working = false;
+    std::vector<std::string> m_asked;
+    std::size_t m_sent = 0;
+    std::vector<std::string> m_ldapKeys;
+    int m_lifeBefore = 0;
+    int m_askedLife = 0;
+    std::deque<LdapAnswer> m_answers;
+    std::deque<std::string> m_history;
+};
+
+long fromEnvironment(const char* name, long otherwise) {
+    const char* text = std::getenv(name);
+    return text ? std::strtol(text, nullptr, 10) : otherwise;
+}
+
+// Sources that answer completely and share no names, so that who is asked first does not matter.
+TEST(Random, NarrowingFindsWhatSearchingAfreshFinds) {
+    std::mt19937_64 random(1);
+    const auto below = [&](int end) { return std::uniform_int_distribution<int>(0, end - 1)(random); };
+    SteppedPhone phone({allIds[0], allIds[2], allIds[1]});
+    Screen screen;
+    for (int round = 0; round < 300; ++round) {
+        char name = 'A';
+        for (const auto& source : {phone.local, phone.remote, phone.calls}) {
+            source->contacts.clear();
+            for (int i = below(5); i >= 0; --i) {
+                source->contacts.push_back({std::string(1, name++) + (below(2) ? "nna" : " Ann"), {}});
+                for (int numbers = below(4); numbers > 0; --numbers) {
+                    source->contacts.back().numbers.push_back(std::to_string(15 + below(8) * 51));
+                }
+            }
+        }
+        Wideseek_ResetKey();
+        std::string key;
+        while (key.size() < 4) {
+            key += round % 2 ? "156"[below(3)] : "an"[below(2)];
+            phone.type(key, screen, 0, 0);
+        }
+        const std::string narrowed = Oracle::textOf(screen.pages.back());
+        Wideseek_ResetKey();
+        phone.type(key, screen, 0, 0);
+        EXPECT_EQ(narrowed, Oracle::textOf(screen.pages.back()));
+    }
+}
+
+TEST(Random, EverySessionGetsThePagesOfTheOracle) {
+    const long first = fromEnvironment("WIDESEEK_RANDOM_START", 1);
+    const long steps = fromEnvironment("WIDESEEK_RANDOM_STEPS", 1000);
+    const long last = std::getenv("WIDESEEK_RANDOM_START") ? first : first + 99;
+    for (long start = first; start <= last && !HasFailure(); ++start) {
+        Session(static_cast<unsigned long long>(start)).run(steps);
+    }
+}
+
+} // namespace

@@ -1,0 +1,125 @@
+// The search as a person would work it out on paper: which pages must come, and who must be asked, for what happens on
+// the phone. It shares nothing with the search and takes no care for speed: rows are listed bucket by bucket, a name
+// and number that is there already is dropped, keys are matched letter by letter, pages are sliced out.
+//
+//     Oracle oracle;
+//     oracle.sources["local_directory_search"] = {"local directory", &local->contacts, &local->fails};
+//     oracle.file = {"local_directory_search"};
+//     oracle.handOver({"5", 0, 10, 1});        // what a caller does
+//     oracle.work();                           // a "request" message ran
+//     oracle.sent.front();                     // what must arrive first: "1: 5 0+10 of 1: Ann 51"
+//
+// It understands keys of ASCII letters, digits, blanks and dashes.
+#pragma once
+
+#include "tests/support/SteppedPhone.h"
+
+#include <deque>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace test {
+
+class Oracle {
+public:
+    static constexpr int nobody = -1;
+    static constexpr int gone = -2; // detached since
+
+    struct Request {
+        std::string key; // as typed
+        int from = 0;
+        int count = 10;
+        int screen = nobody;
+    };
+
+    struct Source {
+        std::string name; // as it is traced
+        const std::vector<Contact>* contacts = nullptr;
+        const bool* fails = nullptr;
+    };
+
+    struct Sent {
+        int screen = nobody;
+        std::string page;
+    };
+
+    // ---- the phone ----
+
+    std::map<std::string, Source> sources;
+    std::vector<std::string> file; // the ids in the source list file
+    std::vector<Contact> calls;    // outgoing
+    bool recentCalls = false;
+    host::Duration now{};
+    std::function<void()> meanwhile; // another thread comes in: before and after every question to a source
+
+    // ---- what callers do ----
+
+    void start();
+    void stop();
+    void handOver(const Request& request);
+    void reset();
+    void reload();
+    void detach(int screen);
+
+    // ---- what messages do ----
+
+    void work();
+    void expire();
+    void answer(const std::string& key, const std::vector<Contact>& rows, bool succeeded);
+
+    // ---- what must have come of it ----
+
+    std::deque<Sent> sent;
+    std::vector<std::string> asked; // "local directory 5"
+
+    int life() const { return m_life; }
+    bool isAlive(int life) const; // running, or kept by requests that are still queued
+    bool hasPast() const { return !m_queued.empty() && m_queued.front() != m_life; }
+    std::optional<host::Duration> timer() const { return m_timer; }
+
+    static std::string converted(const std::string& typed);
+    static std::string textOf(const WideseekListData& page);
+
+private:
+    enum class State { waiting, searching, done, failed };
+
+    struct Bucket {
+        std::string id;
+        State state = State::waiting;
+        std::vector<Contact> rows; // the first number is the row's
+    };
+
+    struct Stopped {};
+
+    void ask(const std::string& name, const std::string& key);
+    void askAll(const std::string& key);
+    void askLdap(const std::string& key);
+    void narrow(const std::string& key);
+    void offerRecentCalls();
+    void check(const std::string& key, const std::string& shownKey);
+    void cut(const std::string& key, const std::string& shownKey);
+    void send(const std::string& shownKey, int total, const std::vector<std::string>& rows);
+    void add(Bucket& bucket, const Contact& contact);
+    Bucket* find(const std::string& id);
+    bool isCurrent() const { return m_running && !m_next; }
+
+    bool m_running = false;
+    int m_life = 0;
+    std::deque<int> m_queued; // the life each queued request belongs to
+    std::vector<std::string> m_list;
+    std::optional<Request> m_next; // handed over, not taken
+    Request m_work;                // being worked
+    std::string m_key;             // its key, converted
+    int m_receiver = nobody;       // whom it owes a page
+    int m_late = nobody;           // who gets a late answer's page
+    std::string m_heldKey;         // whose rows the buckets hold; empty: no key's
+    bool m_fresh = false;          // not reset since they were asked for
+    std::vector<Bucket> m_buckets;
+    bool m_armed = false;
+    std::optional<host::Duration> m_timer;
+};
+
+} // namespace test
