@@ -64,7 +64,7 @@ TEST(ContactIndex, FindsWhatTheRuleForOneContactAndNarrowingFindInTheirOrder) {
     std::mt19937 random(5);
     std::size_t found = 0;
     for (int round = 0; round < 2'000; ++round) {
-        std::vector<DirectorySearchData> contacts(random() % 12);
+        std::vector<DirectorySearchData> contacts(round % 400 == 0 ? 3'000 : random() % 12);
         for (DirectorySearchData& contact : contacts) {
             contact = {randomField(random), randomField(random), randomField(random), randomField(random),
                        std::to_string(random())};
@@ -90,31 +90,12 @@ TEST(ContactIndex, FindsWhatTheRuleForOneContactAndNarrowingFindInTheirOrder) {
     EXPECT_GT(found, 50'000U);
 }
 
-TEST(ContactIndex, KeepsItsPlaceBetweenManyContactsAndFewHits) {
-    std::vector<DirectorySearchData> contacts(5'000);
-    Strings expected;
-    std::mt19937 random(6);
-    for (std::size_t i = 0; i < contacts.size(); ++i) {
-        contacts[i].strName = i % 700 == 3 || random() % 900 == 0 ? "the needle" : "hay needl";
-        contacts[i].strExtra = std::to_string(i);
-        if (contacts[i].strName == "the needle") {
-            expected.push_back(shown(contacts[i]));
-        }
-    }
-    OxList<DirectorySearchData> hits;
-    host::ContactIndex(contacts).appendMatches("needle", hits);
-    EXPECT_EQ(shown(hits), expected);
-}
-
-struct FileCase {
-    std::string bytes;
-    Strings contacts;
-    Strings problems; // beginnings
-    std::string error = {};
-};
-
 TEST(ContactFiles, KeepEveryContactThatCanBeReadAndNameTheLineOfEveryOther) {
-    const std::vector<FileCase> cases{
+    const struct {
+        std::string bytes;
+        Strings contacts;
+        Strings problems; // their beginnings; the last is the error where no contact can be read
+    } cases[] = {
         {"name,number1,number2,number3,extra\nAnn,+49 (30) 12-34,030/55.1,*21#,desk\n",
          {"Ann|+49301234|030551|*21#|desk"},
          {}},
@@ -125,38 +106,34 @@ TEST(ContactFiles, KeepEveryContactThatCanBeReadAndNameTheLineOfEveryOther) {
         {"name,number\n\"Open,1\nBo,2\n\n\"Cy\",3\n\"Last,4\nDi,5\n",
          {"Bo|2|||", "Cy|3|||", "Di|5|||"},
          {"f:2: a quotation mark", "f:6: a quotation mark"}},
-        {"name,number\nA,1,2\nB,\"2\n\",\nC,x1\n,\n,-\nD",
+        {"name,number\nA,1,2\nB,\"2\n\",\nC,x1\n,\nD",
          {"C|x1|||", "D||||"},
-         {"f:2: has 3 fields", "f:3: has 3 fields", "f:5: \"x1\" is not a number", "f:6: has neither",
-          "f:7: has neither"}},
+         {"f:2: has 3 fields", "f:3: has 3 fields", "f:5: \"x1\" is not a number", "f:6: has neither"}},
         {"name,phone,name,number\nA,1,B,2\n",
          {"A|2|||"},
-         {"f:1: the column \"phone\" is unknown and left out - known are "
-          "name, number1, number2, number3, extra",
-          "f:1: names the column \"name\" twice"}},
-        {"name,number\nA\0,1\nB,2\rC,3\nD,4\rE\nF,+\n\"#1\",5\n#no\nJos\xE9,6\n"s,
+         {"f:1: the column \"phone\" is unknown", "f:1: names the column \"name\" twice"}},
+        {"name,number\nA\0,1\nB,2\rC,3\nF,+\n\"#1\",5\n#no\nJos\xE9,6\n"s,
          {"F|+|||", "#1|5|||", "Jos\xE9|6|||"},
-         {"f:2: holds a NUL byte", "f:3: a quotation mark or carriage return",
-          "f:4: a quotation mark or carriage return", "f:5: \"+\" is not a number"}},
-        {"Ann,1\nBo,2\n", {}, {"f:1: the column \"Ann\"", "f:1: the column \"1\""}, "f:1: names no known column"},
-        {"", {}, {}, "f: is empty"},
-        {"#\n\n", {}, {}, "f: is empty"},
-        {"na\"me,number\nAnn,1\n", {}, {}, "f:1: a quotation mark"},
-        {"\n\0\0"s, {}, {}, "f:2: holds a NUL byte"},
-        {"\xFF\xFEn\0a\0"s, {}, {}, "f:1: is UTF-16"},
+         {"f:2: holds a NUL byte", "f:3: a quotation mark or carriage return", "f:4: \"+\" is not a number"}},
+        {"Ann\nBo\n", {}, {"f:1: the column \"Ann\"", "f:1: names no known column"}},
+        {"#\n\n", {}, {"f: is empty"}},
+        {"na\"me,number\nAnn,1\n", {}, {"f:1: a quotation mark"}},
+        {"\xFF\xFEn\0a\0"s, {}, {"f:1: is UTF-16"}},
     };
-    for (const FileCase& c : cases) {
-        const host::ContactFile read = host::readContacts(c.bytes, "f");
-        Strings contacts;
-        for (const auto& contact : read.contacts) {
-            contacts.push_back(shown(contact));
+    for (const auto& [bytes, contacts, problems] : cases) {
+        host::ContactFile read = host::readContacts(bytes, "f");
+        EXPECT_EQ(read.error.empty(), !contacts.empty()) << read.error;
+        if (!read.error.empty()) {
+            read.problems.push_back(read.error);
         }
-        EXPECT_EQ(contacts, c.contacts) << c.bytes;
-        EXPECT_EQ(read.error.substr(0, c.error.size()), c.error);
-        EXPECT_EQ(read.error.empty(), c.error.empty()) << read.error;
-        ASSERT_EQ(read.problems.size(), c.problems.size()) << c.bytes << testing::PrintToString(read.problems);
-        for (std::size_t i = 0; i < c.problems.size(); ++i) {
-            EXPECT_EQ(read.problems[i].substr(0, c.problems[i].size()), c.problems[i]);
+        Strings lines;
+        for (const auto& contact : read.contacts) {
+            lines.push_back(shown(contact));
+        }
+        EXPECT_EQ(lines, contacts) << bytes;
+        ASSERT_EQ(read.problems.size(), problems.size()) << bytes << testing::PrintToString(read.problems);
+        for (std::size_t i = 0; i < problems.size(); ++i) {
+            EXPECT_TRUE(read.problems[i].starts_with(problems[i])) << read.problems[i];
             EXPECT_NE(read.problems[i].find(" - "), std::string::npos) << "says what to do: " << read.problems[i];
         }
     }
@@ -169,13 +146,10 @@ protected:
 
     // As a careful writer replaces a file; the change lies far enough back to have settled.
     void write(const std::string& bytes) {
+        const auto when = std::filesystem::file_time_type::clock::now() - std::chrono::minutes(1);
         std::ofstream(m_folder / "new", std::ios::binary) << bytes;
-        age(m_folder / "new");
+        std::filesystem::last_write_time(m_folder / "new", when);
         std::filesystem::rename(m_folder / "new", m_path);
-    }
-
-    static void age(const std::filesystem::path& path) {
-        std::filesystem::last_write_time(path, std::filesystem::file_time_type::clock::now() - std::chrono::minutes(1));
     }
 
     static Strings found(host::ContactSource& source, const std::string& key) {
@@ -194,56 +168,52 @@ protected:
 };
 
 TEST_F(Files, AreReadAgainWhenTheyChangeAndTellEachProblemOnce) {
-    const std::string path = m_path.string();
     host::FileDirectory directory(m_path, m_sink);
-    EXPECT_EQ(found(directory, ""),
-              Strings{"failed: " + path + ": not there; put the file there or check the folder's name"});
+    const auto fails = [&](const std::string& why) {
+        EXPECT_NE(found(directory, "1").front().find(why), std::string::npos) << why;
+        std::filesystem::remove(m_path);
+    };
+    fails(m_path.string() + ": not there; put the file there or check the folder's name");
     write("name,number\nAnn,1\nBad\"\n");
     EXPECT_EQ(found(directory, "ann"), Strings{"Ann|1|||"});
-    EXPECT_EQ(found(directory, "1"), Strings{"Ann|1|||"});
     write("name,number\nBea,1\nBad\"\n"); // same size, and soon the same time
     EXPECT_EQ(found(directory, "1"), Strings{"Bea|1|||"});
     EXPECT_EQ(m_problems.size(), 1U) << testing::PrintToString(m_problems);
-    std::ofstream(m_path, std::ios::binary) << "name,number\nCyd,1\n";
-    EXPECT_EQ(found(directory, "1"), Strings{"Cyd|1|||"});
-    std::ofstream(m_path, std::ios::binary) << "name,number\nDot,1\n"; // within one step of the file system's clock
-    EXPECT_EQ(found(directory, "1"), Strings{"Dot|1|||"});
+    for (const std::string name : {"Cyd", "Dot"}) { // within one step of the file system's clock
+        std::ofstream(m_path, std::ios::binary) << "name,number\n" + name + ",1\n";
+        EXPECT_EQ(found(directory, "1"), Strings{name + "|1|||"});
+    }
     std::filesystem::remove(m_path);
-    EXPECT_NE(found(directory, "1").front().find("not there"), std::string::npos);
     std::filesystem::create_directory(m_path);
-    EXPECT_NE(found(directory, "1").front().find("is a folder"), std::string::npos);
-    std::filesystem::remove(m_path);
+    fails("is a folder");
     ASSERT_EQ(mkfifo(m_path.c_str(), 0600), 0);
-    EXPECT_NE(found(directory, "1").front().find("is not a file"), std::string::npos);
-    std::filesystem::remove(m_path);
+    fails("is not a file");
     write("who\n");
-    EXPECT_NE(found(directory, "1").front().find("contacts.csv:1: names no known column"), std::string::npos);
+    fails("contacts.csv:1: names no known column");
+    write("who\n");
     std::filesystem::resize_file(m_path, static_cast<std::uintmax_t>(host::largestFile) + 1);
-    EXPECT_NE(found(directory, "1").front().find("larger than 256 MiB"), std::string::npos);
+    fails("larger than 256 MiB");
 }
 
 TEST_F(Files, AreSearchedByManyThreadsWhileTheyChange) {
     write("name,number\nOne,1\n");
     host::FileDirectory directory(m_path, nullptr);
     std::atomic<bool> ended = false;
-    std::atomic<int> wrong = 0;
+    const auto search = [&] {
+        while (!ended) {
+            const Strings hits = found(directory, "1");
+            EXPECT_TRUE(hits == Strings{"One|1|||"} || hits == (Strings{"Two|1|||", "Six|1|||"}));
+        }
+    };
     std::vector<std::jthread> threads;
     for (int i = 0; i < 3; ++i) {
-        threads.emplace_back([&] {
-            while (!ended) {
-                const Strings hits = found(directory, "1");
-                wrong += hits == Strings{"One|1|||"} || hits == Strings{"Two|1|||", "Six|1|||"} ? 0 : 1;
-            }
-        });
+        threads.emplace_back(search);
     }
     for (int i = 0; i < 200; ++i) {
         write(i % 2 == 0 ? "name,number\nTwo,1\nSix,1\n" : "name,number\nOne,1\n");
         EXPECT_EQ(found(directory, "0"), Strings{});
     }
     ended = true;
-    threads.clear();
-    EXPECT_EQ(wrong, 0);
-    EXPECT_EQ(found(directory, "1"), Strings{"One|1|||"});
 }
 
 // The outgoing calls that are given for from and count, then what is returned.
@@ -252,11 +222,10 @@ Strings outgoing(host::CallLogFile& log, int from, int count) {
     std::string error;
     const int available = log.outgoing(calls, from, count, error);
     EXPECT_EQ(available < 0, !error.empty());
-    Strings lines;
+    Strings lines{std::to_string(available)};
     for (int i = 0; i < calls.Count(); ++i) {
         lines.push_back(calls.At(i)->strName + "|" + calls.At(i)->strNumber + "|" + calls.At(i)->strExtra);
     }
-    lines.push_back(std::to_string(available));
     return lines;
 }
 
@@ -271,26 +240,22 @@ TEST_F(Files, OfCallsGiveTheNewestFirstAndEachPersonOnce) {
           "2026-11-19T08:00:00,out,Ann,1,old\n"
           "2026-11-19T07:00:00,in,Ann,4,other number\n"
           "2026-02-29T08:00:00,out,No such day,5,\n"
-          "2026-11-19 08:00:00,out,No T,5,\n"
           "2026-11-19T24:00:00,out,No such hour,5,\n"
           "2026-11-19T08:00:00,away,No direction,5,\n"
           "2026-11-19T08:00:00,out,,,\n");
     EXPECT_EQ(found(log, ""), (Strings{"|3|||third", "Bo|+2|||second", "Ann|1|||first", "Ann|4|||other number"}));
     EXPECT_EQ(found(log, "an"), (Strings{"Ann|1|||first", "Ann|4|||other number"}));
-    EXPECT_EQ(m_problems.size(), 5U) << testing::PrintToString(m_problems);
-    EXPECT_EQ(outgoing(log, 0, most), (Strings{"Bo|+2|second", "Ann|1|first", "Ann|1|old", "3"}));
-    EXPECT_EQ(outgoing(log, 1, 1), (Strings{"Ann|1|first", "3"}));
-    EXPECT_EQ(outgoing(log, 2, most), (Strings{"Ann|1|old", "3"}));
+    EXPECT_EQ(m_problems.size(), 4U) << testing::PrintToString(m_problems);
+    EXPECT_EQ(outgoing(log, 0, most), (Strings{"3", "Bo|+2|second", "Ann|1|first", "Ann|1|old"}));
+    EXPECT_EQ(outgoing(log, 1, 1), (Strings{"3", "Ann|1|first"}));
     EXPECT_EQ(outgoing(log, most, most), Strings{"3"});
-    EXPECT_EQ(outgoing(log, 0, 0), Strings{"3"});
     EXPECT_EQ(outgoing(log, -1, 10), Strings{"-1"});
     EXPECT_EQ(outgoing(log, 0, -1), Strings{"-1"});
 
     log.add({"2026-11-20T09:00:00", host::CallDirection::out, "Cy", "6", ""});
-    EXPECT_EQ(outgoing(log, 0, 1), (Strings{"Cy|6|", "4"}));
+    EXPECT_EQ(outgoing(log, 0, 1), (Strings{"4", "Cy|6|"}));
     write("time,direction,number\n2026-11-20T10:00:00,out,7\n");
-    EXPECT_EQ(outgoing(log, 0, 9), (Strings{"|7|", "Cy|6|", "2"})) << "an added call outlives a change of the file";
-    EXPECT_EQ(found(log, ""), (Strings{"|7|||", "Cy|6|||"}));
+    EXPECT_EQ(outgoing(log, 0, 9), (Strings{"2", "|7|", "Cy|6|"})) << "an added call outlives a change of the file";
     write("number,time\n7,2026-11-20T10:00:00\n");
     EXPECT_NE(found(log, "").front().find("names no column \"direction\""), std::string::npos);
 }

@@ -1,7 +1,6 @@
 #include "tests/support/FaultyPeer.h"
 
 #include <arpa/inet.h>
-#include <fcntl.h>
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
@@ -9,140 +8,114 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
-#include <system_error>
+#include <chrono>
+#include <stdexcept>
 #include <vector>
 
 namespace {
-
-sockaddr_in loopback(int port) {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    address.sin_port = htons(static_cast<std::uint16_t>(port));
-    return address;
-}
 
 int newSocket(int flags = 0) {
     return ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | flags, 0);
 }
 
-bool connectTo(int socket, int port) {
-    const sockaddr_in address = loopback(port);
-    return ::connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+// Calls connect or bind for the port on the loopback interface.
+bool onLoopback(int (*call)(int, const sockaddr*, socklen_t), int socket, int port) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(static_cast<std::uint16_t>(port));
+    return call(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
 }
 
 int bindFree(int socket) {
-    sockaddr_in address = loopback(0);
+    sockaddr_in address{};
     socklen_t size = sizeof address;
-    if (::bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
-        ::getsockname(socket, reinterpret_cast<sockaddr*>(&address), &size) != 0) {
-        throw std::system_error(errno, std::generic_category(), "no free loopback port");
+    if (!onLoopback(::bind, socket, 0) || ::getsockname(socket, reinterpret_cast<sockaddr*>(&address), &size) != 0) {
+        throw std::runtime_error("no free loopback port");
     }
     return ntohs(address.sin_port);
 }
 
 } // namespace
 
+Socket::~Socket() {
+    ::close(fd);
+}
+
 int freePort() {
-    const int socket = newSocket();
-    const int port = bindFree(socket);
-    ::close(socket);
-    return port;
+    return bindFree(Socket{newSocket()}.fd);
 }
 
 bool answersAt(int port) {
-    const int socket = newSocket();
-    const bool answers = connectTo(socket, port);
-    ::close(socket);
-    return answers;
+    return onLoopback(::connect, Socket{newSocket()}.fd, port);
 }
 
-FaultyPeer::FaultyPeer(Fault fault, int target)
-    : m_fault(fault), m_target(target), m_listener(newSocket()), m_port(bindFree(m_listener)) {
-    ::listen(m_listener, fault == Fault::full ? 0 : 16);
-    if (fault == Fault::full) {
-        for (int i = 0; i < 4; ++i) {
-            m_links.push_back({.client = newSocket(SOCK_NONBLOCK)});
-            connectTo(m_links.back().client, m_port);
-        }
-        return;
+FaultyPeer::FaultyPeer(Fault fault, int target, std::size_t allowed)
+    : m_fault(fault), m_target(target), m_listener{newSocket()}, m_port(bindFree(m_listener.fd)), m_allowed(allowed) {
+    ::listen(m_listener.fd, fault == Fault::full ? 0 : 16);
+    for (int i = 0; i < 4 && fault == Fault::full; ++i) {
+        const int client = m_links.emplace_back().client.fd = newSocket(SOCK_NONBLOCK);
+        onLoopback(::connect, client, m_port);
     }
-    m_thread = std::thread([this] { serve(); });
+    if (fault != Fault::full) {
+        m_thread = std::jthread([this](const std::stop_token& stop) { serve(stop); });
+    }
 }
 
-FaultyPeer::~FaultyPeer() {
-    m_stopping = true;
-    if (m_thread.joinable()) {
-        m_thread.join();
-    }
-    for (const Link& link : m_links) {
-        ::close(link.client);
-        ::close(link.server);
-    }
-    ::close(m_listener);
-}
-
-void FaultyPeer::serve() {
-    while (!m_stopping) {
-        std::vector<pollfd> watched = {{m_listener, POLLIN, 0}};
-        const bool holding = m_holding;
+void FaultyPeer::serve(const std::stop_token& stop) {
+    while (!stop.stop_requested()) {
+        std::vector<pollfd> watched = {{m_listener.fd, POLLIN, 0}};
         for (const Link& link : m_links) {
-            watched.push_back({link.client, POLLIN, 0});
-            watched.push_back({holding ? -1 : link.server, POLLIN, 0});
+            const bool stalled = m_fault == Fault::stall && link.sent >= m_allowed;
+            watched.push_back({link.client.fd, POLLIN, 0});
+            watched.push_back({stalled ? -1 : link.server.fd, POLLIN, 0});
         }
         ::poll(watched.data(), watched.size(), 10);
         const bool cut = m_cutNow.exchange(false);
-        std::size_t i = 1;
-        for (auto link = m_links.begin(); link != m_links.end(); i += 2) {
-            const bool open = !cut && (watched[i].revents == 0 || pass(*link, false)) &&
-                              (watched[i + 1].revents == 0 || pass(*link, true));
-            if (!open) {
-                ::close(link->client);
-                ::close(link->server);
-            }
-            link = open ? std::next(link) : m_links.erase(link);
-        }
+        auto events = watched.begin() + 1;
+        m_links.remove_if([&](Link& link) {
+            const bool fromClient = (events++)->revents != 0;
+            const bool fromServer = (events++)->revents != 0;
+            return cut || (fromClient && !pass(link, false)) || (fromServer && !pass(link, true));
+        });
         if (watched[0].revents != 0) {
-            accept();
+            Link& link = m_links.emplace_back();
+            link.client.fd = ::accept4(m_listener.fd, nullptr, nullptr, SOCK_CLOEXEC);
+            if (m_fault != Fault::silent) {
+                onLoopback(::connect, link.server.fd = newSocket(), m_target);
+            }
+            ++m_connections;
         }
     }
-}
-
-void FaultyPeer::accept() {
-    Link link{.client = ::accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC)};
-    if (m_fault == Fault::cut) {
-        link.server = newSocket();
-        connectTo(link.server, m_target);
-    }
-    m_links.push_back(link);
-    ++m_connections;
 }
 
 // False: the link is over.
 bool FaultyPeer::pass(Link& link, bool fromServer) {
     std::array<char, 4096> buffer{};
-    const ssize_t got = ::read(fromServer ? link.server : link.client, buffer.data(), buffer.size());
+    const std::size_t allowed = m_allowed;
+    const std::size_t room = fromServer ? allowed - std::min(allowed, link.sent) : buffer.size();
+    if (room == 0) {
+        return m_fault == Fault::stall;
+    }
+    const int from = fromServer ? link.server.fd : link.client.fd;
+    const ssize_t got = ::read(from, buffer.data(), std::min(buffer.size(), room));
     if (got <= 0) {
         return false;
     }
-    std::size_t size = static_cast<std::size_t>(got);
-    if (!fromServer) {
+    const std::string_view bytes(buffer.data(), static_cast<std::size_t>(got));
+    if (fromServer) {
+        link.sent += bytes.size();
+    } else {
         const std::lock_guard lock(m_mutex);
-        m_received.append(buffer.data(), size);
+        m_received += bytes;
         m_changed.notify_all();
     }
-    bool open = true;
-    if (fromServer) {
-        open = link.sent + size <= m_cutAfter;
-        size = std::min({size, m_cutAfter - link.sent, m_stallAfter - link.sent});
-        link.sent += size;
-    }
-    const int to = fromServer ? link.client : link.server;
-    return to < 0 || (::send(to, buffer.data(), size, MSG_NOSIGNAL) == static_cast<ssize_t>(size) && open);
+    const int to = fromServer ? link.client.fd : link.server.fd;
+    return to < 0 || ::send(to, bytes.data(), bytes.size(), MSG_NOSIGNAL) == got;
 }
 
-bool FaultyPeer::waitFor(std::string_view bytes, std::chrono::milliseconds atMost) {
+bool FaultyPeer::waitFor(std::string_view bytes) {
     std::unique_lock lock(m_mutex);
-    return m_changed.wait_for(lock, atMost, [&] { return m_received.find(bytes) != std::string::npos; });
+    const auto came = [&] { return m_received.find(bytes) != std::string::npos; };
+    return m_changed.wait_for(lock, std::chrono::seconds(20), came);
 }
