@@ -20,9 +20,10 @@ bool belongsTo(const WideseekItemData& row, const std::string& key) {
         return false;
     }
     const std::string_view foundFor = std::string_view(row.strName).substr(mark.size());
+    // A row matches by its contact's other number too, which is its own with a zero more.
     const bool matches =
         CommonAPI_IsSearchByT9(key)
-            ? (row.strNumber + " " + CommonUnits_ToKeyString(row.strName)).find(key) != std::string::npos
+            ? (row.strNumber + "0 " + CommonUnits_ToKeyString(row.strName)).find(key) != std::string::npos
             : CommonAPI_StringMatch(row.strName, key, false, STRING_MATCH_CONTAINS) != 0;
     return !foundFor.empty() && key.starts_with(foundFor) && row.strNumber.starts_with(foundFor) && matches;
 }
