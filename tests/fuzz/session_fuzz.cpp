@@ -110,7 +110,7 @@ private:
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
     // A failed expectation ends the process with the input that made it fail.
-    testing::GTEST_FLAG(break_on_failure) = true;
+    testing::GTEST_FLAG(throw_on_failure) = true;
     return 0;
 }
 
