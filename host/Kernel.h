@@ -79,8 +79,8 @@ public:
     bool post(MessageThread* thread, Target target, Duration delay, std::string_view label, std::function<void()> work);
 
     // Removes the queued messages whose object is `object` and, unless the caller itself is working it, waits until a
-    // running one has ended. Whoever calls sees to it that no more are posted meanwhile. Any thread; not with a lock held
-    // that the receiver's handlers take.
+    // running one has ended. Whoever calls sees to it that no more are posted meanwhile. Any thread; not with a lock
+    // held that the receiver's handlers take.
     void withdrawObject(const void* object);
 
     // Removes the queued messages whose token is `token` and gives their number; withdrawTokenAndWait also waits as
