@@ -46,17 +46,6 @@ TEST(FullSearch, SourcesAreAskedWithTheConvertedKeyAndThePageReportsTheTypedOne)
     EXPECT_EQ(screen.pages.back().strKey, " +49 (30) 12-34 ");
 }
 
-TEST(FullSearch, AFailedSourceShowsNoRowsAndHoldsNobodyUp) {
-    SteppedPhone phone({remoteId, localId});
-    phone.remote->contacts = {{"Ann", {"51"}}, {"Bob", {"52"}}};
-    phone.remote->fails = true;
-    phone.local->contacts = {{"Ann", {"51"}}, {"Cem", {"53"}}};
-    Screen screen;
-    phone.type("5", screen, 0, 3);
-    EXPECT_EQ(screen.rows(), "Cem 53") << "what the failed source delivered still counts as delivered";
-    EXPECT_EQ(screen.pages.back().iTotalCount, 1);
-}
-
 TEST(FullSearch, ASourceThatNobodyServesHoldsBackEveryPageThatTheOthersDoNotFill) {
     for (const char* id : {"unknown_search", localId.c_str()}) {
         SteppedPhone phone({localId, id});
@@ -71,14 +60,6 @@ TEST(FullSearch, ASourceThatNobodyServesHoldsBackEveryPageThatTheOthersDoNotFill
         phone.type("5", screen, 0, 2);
         EXPECT_EQ(screen.count(), 2U) << id;
     }
-}
-
-TEST(FullSearch, WithoutSourcesGivesAnEmptyPageAtOnce) {
-    SteppedPhone phone({});
-    Screen screen;
-    phone.type("5", screen);
-    ASSERT_EQ(screen.count(), 1U);
-    EXPECT_EQ(screen.pages.back().iTotalCount, 0);
 }
 
 TEST(FullSearch, AFilledPageIsSentBeforeTheSourcesBehindItAreAsked) {
@@ -198,19 +179,6 @@ TEST(Paging, CutsTheSliceAndRefusesWhatIsNegativeWithoutOverflow) {
     }
 }
 
-TEST(Paging, ARefusedPageLeavesTheNextSearchOfTheKeyRight) {
-    SteppedPhone phone({localId});
-    phone.local->contacts = {{"A", {"51"}}, {"B", {"52"}}};
-    Screen screen;
-    phone.type("5", screen, -1, 2);
-    phone.type("5", screen);
-    EXPECT_EQ(screen.rows(), "A 51, B 52");
-    phone.type("52", screen, -1, 2);
-    phone.type("5", screen);
-    EXPECT_EQ(screen.rows(), "A 51, B 52");
-    EXPECT_EQ(screen.count(), 2U);
-}
-
 TEST(ResultData, IsThePageLastCutWhole) {
     SteppedPhone phone({localId});
     phone.local->contacts = {{"A", {"51"}}, {"B", {"52"}}};
@@ -284,68 +252,6 @@ TEST(Configuration, AChangeReloadsTheListAndTheNextKeyAsksTheNewSources) {
     phone.run();
     phone.type("5", screen);
     EXPECT_EQ(screen.rows(), "");
-}
-
-TEST(Configuration, AChangeInTheMiddleOfASearchMakesTheNextKeyAskAll) {
-    SteppedPhone phone({localId});
-    phone.local->contacts = {{"A", {"51"}}};
-    phone.remote->contacts = {{"B", {"51"}}};
-    Screen screen;
-    phone.local->meanwhile = [&] {
-        phone.setSourceList(sourceListOf({localId, remoteId}));
-        ETL_MsgQueueHelper::msgObject message{0x10007, 52};
-        EXPECT_NE(NS_WS::CWideseekController::OnMessage(message), 0);
-    };
-    phone.type("5", screen);
-    EXPECT_EQ(screen.rows(), "A 51") << "the search that was running";
-    phone.local->meanwhile = nullptr;
-    phone.type("51", screen);
-    EXPECT_EQ(screen.rows(), "A 51, B 51");
-}
-
-TEST(Life, ADetachedScreenGetsNothingAndOthersAreLeftAlone) {
-    SteppedPhone phone({localId});
-    phone.local->contacts = {{"A", {"51"}}};
-    Screen screen;
-    Screen other;
-    ASSERT_TRUE(phone.handOver("5", screen));
-    Wideseek_ResetCallBack(&other);
-    Wideseek_ResetCallBack(nullptr);
-    phone.run();
-    EXPECT_EQ(screen.count(), 1U);
-    ASSERT_TRUE(phone.handOver("5", screen));
-    Wideseek_ResetCallBack(&screen);
-    phone.run();
-    EXPECT_EQ(screen.count(), 1U);
-    phone.local->meanwhile = [&] { Wideseek_ResetCallBack(&screen); };
-    phone.type("51", screen);
-    phone.type("1", screen);
-    EXPECT_EQ(screen.count(), 2U) << "the narrowed page alone";
-    phone.local->meanwhile = nullptr;
-    phone.type("5", screen);
-    EXPECT_EQ(screen.count(), 3U) << "attached again";
-}
-
-TEST(Life, StopEndsWhatIsInFlightAndANewStartWorks) {
-    SteppedPhone phone({localId, remoteId});
-    phone.local->contacts = {{"A", {"51"}}};
-    Screen screen;
-    ASSERT_TRUE(phone.handOver("5", screen));
-    NS_WS::CWideseekController::ReleaseInstance();
-    phone.run();
-    EXPECT_TRUE(phone.local->asked.empty()) << "queued when stopped";
-
-    phone.local->meanwhile = [] { NS_WS::CWideseekController::ReleaseInstance(); };
-    phone.type("5", screen);
-    EXPECT_TRUE(phone.remote->asked.empty()) << "stopped while the source in front was asked";
-    EXPECT_EQ(screen.count(), 0U);
-    EXPECT_TRUE(host::Phone::outstanding().empty()) << "and no other controller came up";
-    ETL_MsgQueueHelper::msgObject message{0x10007, 52};
-    EXPECT_EQ(NS_WS::CWideseekController::OnMessage(message), 0);
-
-    phone.local->meanwhile = nullptr;
-    phone.type("5", screen);
-    EXPECT_EQ(screen.rows(), "A 51");
 }
 
 } // namespace
