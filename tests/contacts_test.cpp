@@ -84,7 +84,7 @@ TEST(ContactIndex, FindsWhatTheRuleForOneContactAndNarrowingFindInTheirOrder) {
             OxList<DirectorySearchData> hits;
             index.appendMatches(key, hits);
             ASSERT_EQ(shown(hits), expected) << testing::PrintToString(key);
-            found += expected.size();
+            found += key.empty() ? 0 : expected.size();
         }
     }
     EXPECT_GT(found, 50'000U);

@@ -31,8 +31,8 @@ directory .
 
 // Names that would mean something in a filter, numbers written in every way, and attributes that are hardly of use.
 constexpr const char* oddPeople[] = {
-    "Nora Numbers\ntelephoneNumber: +44 (1632) 960-123\nMOBILE: +44.7700/900 456\n"
-    "roomNumber: *21#\nroomNumber: 44 [7700] 900.456",
+    ("Nora Numbers\ntelephoneNumber: +44 (1632) 960-123\nMOBILE: +44.7700/900 456\n"
+     "roomNumber: *21#\nroomNumber: 44 [7700] 900.456"),
     "Star * Odd\ntelephoneNumber: 8001",
     "Bracket (cn=* Odd\ntelephoneNumber: 8002",
     "Back\\2a Odd\ntelephoneNumber: 8003",
@@ -68,7 +68,8 @@ SlapdServer::SlapdServer() {
         " -addext subjectAltName=IP:127.0.0.1 -keyout key.pem -out server.pem 2>/dev/null"
         " && /usr/sbin/slapadd -q -f slapd.conf -l people.ldif";
     const std::string urls = url + " " + tlsUrl;
-    if (std::system(prepare.c_str()) == 0 && (process = ::fork()) == 0) {
+    process = std::system(prepare.c_str()) == 0 ? ::fork() : -1;
+    if (process == 0) {
         ::prctl(PR_SET_PDEATHSIG, SIGKILL);
         if (::chdir(name.c_str()) == 0) {
             ::execl("/usr/sbin/slapd", "slapd", "-d", "0", "-f", "slapd.conf", "-h", urls.c_str(), nullptr);
@@ -76,7 +77,7 @@ SlapdServer::SlapdServer() {
         ::_exit(127);
     }
     const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (!answersAt(port) || !answersAt(tlsPort)) {
+    while (process < 0 || !answersAt(port) || !answersAt(tlsPort)) {
         if (process < 0 || std::chrono::steady_clock::now() > giveUp || ::waitpid(process, nullptr, WNOHANG) != 0) {
             throw std::runtime_error("slapd does not start; install slapd and openssl (scripts/install-deps.sh), or " +
                                      ("try in " + name) + ": /usr/sbin/slapd -d 1 -f slapd.conf");
