@@ -22,7 +22,7 @@ std::string outcomeOf(const SourceTrace& source) {
         return "still being asked";
     }
     std::array<char, 64> text{};
-    std::snprintf(text.data(), text.size(), "%zu contacts, %.1f ms", source.contacts,
+    std::snprintf(text.data(), text.size(), "%zu found, %.1f ms", source.contacts,
                   std::chrono::duration<double, std::milli>(*source.answered - source.asked).count());
     return source.failed ? "failed" : text.data();
 }
@@ -67,10 +67,11 @@ TextScreen detailsScreen(const WideseekItemData* contact, const std::vector<Sour
     if (sources.empty()) {
         text.lines.emplace_back("No source was asked: none is enabled.");
     } else {
-        text.lines.push_back("Asked for \"" + sources.front().key + "\":");
+        const std::string& key = sources.front().key;
+        text.lines.push_back(key.empty() ? "Asked for the recent calls:" : "Asked for \"" + key + "\":");
     }
     for (const SourceTrace& source : sources) {
-        text.lines.push_back("  " + source.name + ": " + outcomeOf(source));
+        text.lines.push_back(" " + source.name + ": " + outcomeOf(source));
     }
     if (sources.size() == 1 && sources.front().name == "LDAP") {
         text.lines.emplace_back("The other rows are those of the key before that still match.");

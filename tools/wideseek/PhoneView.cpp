@@ -20,6 +20,9 @@ constexpr int leastHeight = 12;
 // From this height on, lines set the rows off.
 constexpr int roomyHeight = 18;
 
+// From this width on, nothing need be abbreviated.
+constexpr int wideWidth = 60;
+
 constexpr int linesAbove = 2; // the key, the keypad
 constexpr int linesBelow = 3; // status, message, keys
 
@@ -162,7 +165,7 @@ void putLabels(const std::vector<Label>& labels) {
 
 void putKeypad(int line) {
     constexpr std::array<const char*, 8> letters = {"abc", "def", "ghi", "jkl", "mno", "pqrs", "tuv", "wxyz"};
-    const int gap = COLS >= 60 ? 2 : COLS >= 44 ? 1 : 0;
+    const int gap = COLS >= wideWidth ? 2 : COLS >= 44 ? 1 : 0;
     int column = 1;
     for (std::size_t i = 0; i < letters.size(); ++i) {
         put(line, column, std::wstring(1, static_cast<wchar_t>(L'2' + static_cast<wchar_t>(i))), A_BOLD);
@@ -187,8 +190,8 @@ const std::string& extraOf(const WideseekItemData& row) {
 }
 
 std::wstring rowLine(const WideseekItemData& row, bool underCursor) {
-    const int number = std::clamp(COLS / 4, 15, 20);
-    const int extra = COLS >= 60 ? COLS * 3 / 10 : COLS / 6;
+    const int number = std::clamp(COLS / 4, 14, 20);
+    const int extra = COLS >= wideWidth ? COLS * 3 / 10 : COLS / 6;
     const int name = COLS - 2 - number - extra - 2;
     std::wstring line = underCursor ? L"> " : L"  ";
     line += fitted(row.strName, name) + L' ' + fitted(row.strNumber, number) + L' ' + fitted(extraOf(row), extra);
@@ -236,7 +239,7 @@ std::string positionText(const PhoneModel& model) {
 
 void putStatus(const PhoneModel& model, const PhoneStatus& status) {
     const int line = LINES - linesBelow;
-    const bool brief = COLS < 60;
+    const bool brief = COLS < wideWidth;
     std::string text = " " + positionText(model);
     if (status.pageTime) {
         text += (brief ? "  " : "   page in ") + milliseconds(*status.pageTime);
@@ -248,7 +251,12 @@ void putStatus(const PhoneModel& model, const PhoneStatus& status) {
     if (status.ldapAsked && !model.isRecent()) {
         putRight(line, "LDAP \u2026 ", A_DIM);
     }
-    put(line + 1, 1, fitted(status.message, COLS - 2), A_BOLD);
+    const WideseekItemData* row = model.selected();
+    if (!status.message.empty()) {
+        put(line + 1, 1, fitted(status.message, COLS - 2), A_BOLD);
+    } else if (brief && row) {
+        put(line + 1, 2, fitted(extraOf(*row), COLS - 3), A_DIM); // its column holds a few letters only
+    }
 }
 
 void send() {
@@ -296,8 +304,9 @@ void paintText(TextScreen& text) {
         const auto size = static_cast<int>(lines.size());
         const int room = LINES - 3;
         text.top = std::clamp(text.top, 0, std::max(0, size - room));
-        for (int i = 0; i < std::min(room, size - text.top); ++i) {
-            put(2 + i, 1, lines[static_cast<std::size_t>(text.top + i)]);
+        const int end = std::min(size, text.top + room);
+        for (int i = text.top; i < end; ++i) {
+            put(2 + i - text.top, 1, lines[static_cast<std::size_t>(i)]);
         }
         putLabels({{"Esc", "Back"}, {"Up/Down", "Scroll", size > room}, {"F10", "Leave"}});
     }
