@@ -54,6 +54,18 @@ def column_of(line, text):
     return sum(1 + (unicodedata.east_asian_width(c) in "WF") for c in line[:line.index(text)])
 
 
+def see_before_ldap(pattern, what, *keys):
+    """Types keys into the empty box and waits for pattern; again where the machine was too slow to beat LDAP."""
+    for _ in range(4):
+        press(ESCAPE)
+        see(r"^ Search  +letters(.|\n)*1-\d of \d ", "the recent calls")
+        press(*keys)
+        lines = see(f"{pattern}|late page", what)
+        if re.search(pattern, "\n".join(lines)):
+            return lines
+    sys.exit(f"LDAP always came before {what}")
+
+
 def children_of(pid):
     return Path(f"/proc/{pid}/task/{pid}/children").read_text()
 
@@ -83,12 +95,11 @@ try:
     start()
     lines = see("> Kim +771 +then", "the recent call")
     expect(any(re.search("2abc +3def +4ghi +5jkl", line) for line in lines), f"no keypad: {lines}")
-    press(text="53")
-    lines = see(r"1-17 of 80 +page in [\d.]+ ms .*LDAP …", "the first page while LDAP is asked")
-    expect(lines[0].startswith(" Search  53") and cursor_row(lines)[1].split() == ["> Local 00", "530000", "Leeds"]
-           or "> Local 00" in cursor_row(lines)[1], f"key or first row: {lines}")
-    press("NPage", "NPage", "NPage", DOWN, DOWN, DOWN, UP)
-    before = cursor_row(see(r"52-68 of 80", "a further page"))
+    lines = see_before_ldap(r"1-17 of 80 +page in [\d.]+ ms .*LDAP …", "the first page while LDAP is asked", "5", "3")
+    expect(lines[0].startswith(" Search  53 ") and re.match("> Local 00 +530000 +Leeds", cursor_row(lines)[1]),
+           f"key or first row: {lines}")
+    moves = "NPage", "NPage", "NPage", DOWN, DOWN, DOWN, UP
+    before = cursor_row(see_before_ldap(r"52-68 of 80", "a further page", "5", "3", *moves))
     expect(before and "Remote 13" in before[1], f"the row under the cursor: {before}")
     lines = see(r"59-75 of 87 .*late page after 2\d\d\d\.\d ms", "LDAP's rows")
     expect(cursor_row(lines) == before, f"a late page has moved {before} to {cursor_row(lines)}")
@@ -116,10 +127,9 @@ try:
     see("^ Search  渡ä .*letters(.|\n)*No contact matches", "letters typed as letters")
 
     # Other screens come and go; the cursor is where it was, though LDAP has answered meanwhile.
-    press(ESCAPE, "5", "3", "0", "End")
-    before = cursor_row(see(r"64-80 of 80 .*LDAP …", "the last page"))
+    before = cursor_row(see_before_ldap(r"64-80 of 80 .*LDAP …", "the last page", "5", "3", "0", "End"))
     press("F3")
-    see(r"Number +530239(.|\n)*LDAP: still being asked", "the details")
+    see(r"Number +530239(.|\n)*LDAP: (still being asked|7 found)", "the details")
     time.sleep(LDAP_DELAY / 1000 + 0.2)
     press("F1")
     expect(cursor_row(see(r"71-87 of 87", "the rows after the details")) == before, f"not where it was: {before}")
