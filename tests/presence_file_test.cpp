@@ -96,60 +96,30 @@ TEST_F(PresenceFile, WhatIsWrongIsReportedOnceAndTheRestIsKept) {
     EXPECT_EQ(idsOf(file, ""), "12 ");
 }
 
-class PhoneFiles : public testing::Test {
-protected:
-    test::TempRoot root;
-    test::Screen receiver;
-
-    host::Phone open() {
-        return host::Phone(
+TEST(PhoneFiles, ThePhoneTakesBuddiesRecentCallsAndTheKindOfLdapFromItsFiles) {
+    const std::pair<const char*, bool> settings[] = {
+        {"mode = embedded\ndelay_ms = 40", true},
+        {"mode = no", false},
+        {"mode = server", false},
+        {"mode = server\nurl = http://x", false},
+        {"mode = server\nurl = ldap://localhost\nbase = dc=x\nscope = some", false}};
+    for (const auto& [ldap, usable] : settings) {
+        SCOPED_TRACE(ldap);
+        const test::TempRoot root;
+        const auto contacts = root.path() / "config/contacts";
+        test::writeFile(contacts / "call_log.csv", "time,direction,name,number\n2026-01-02T03:04:05,out,Ann,52\n");
+        test::writeFile(contacts / "presence_buddies.json", R"([{"id": 7, "name": "buddy"}])");
+        test::writeFile(root.path() / "config/data/phone.ini", std::string("[ldap]\n") + ldap + "\n");
+        test::Screen screen;
+        host::Phone phone(
             {.root = root.path(), .driver = host::Driver::stepped, .ldapDelay = {}, .contactFiles = true, .log = {}});
-    }
-};
-
-TEST_F(PhoneFiles, EachSourceReadsItsOwnFileBelowTheRoot) {
-    const std::pair<bool (*)(WideseekItemListData*), std::string> functions[] = {
-        {Directory_LocalDirWideseek, "local_directory"},
-        {Directory_LocalLogWideseek, "call_log"},
-        {RemoteDir_Wideseek, "remote_directory"},
-        {BSFTDir_Wideseek, "broadsoft_directory"}};
-    for (const auto& [function, name] : functions) {
-        const bool isLog = name == "call_log";
-        root.write("config/contacts/" + name + ".csv",
-                   isLog ? "time,direction,name,number\n2026-01-02T03:04:05,out,call_log,52\n"
-                         : "name,number\n" + name + ",51\n");
-    }
-    root.write("config/contacts/ldap_directory.csv", "name,number\nldap,51\n");
-    root.write("config/contacts/presence_buddies.json", R"([{"id": 7, "name": "buddy"}, {}])");
-    root.write("config/data/phone.ini", "[ldap]\nmode = embedded\ndelay_ms = 40\n");
-    host::Phone phone = open();
-    for (const auto& [function, name] : functions) {
-        WideseekItemListData query;
-        query.strKey = "5";
-        EXPECT_TRUE(function(&query)) << name;
-        ASSERT_EQ(query.listResult.Count(), 1U) << name;
-        EXPECT_EQ(query.listResult.Begin()->value.strName, name);
-    }
-    OxVector<GeneralDirItemData> calls;
-    EXPECT_EQ(Directory_SearchCallLogRecentOutCall(calls, 0, 5), 1);
-    EXPECT_EQ(Directory_SearchCallLogRecentOutCall(calls, -1, 5), -1);
-    EXPECT_EQ(idsOf(*CPresenceContactManager::GetInstance(), "buddy"), "7 ");
-    EXPECT_EQ(phone.problems().size(), 1U);
-    Ldap_SearchAsync("5", 0, 9, &receiver, nullptr);
-    phone.kernel().moveTime(39ms);
-    EXPECT_TRUE(phone.kernel().ready().empty());
-    phone.kernel().moveTime(1ms);
-    EXPECT_EQ(phone.kernel().ready().size(), 1U) << "the configured delay";
-}
-
-TEST_F(PhoneFiles, AnUnusableLdapConfigurationIsAProblemAndEveryQueryFails) {
-    for (const char* settings : {"mode = no", "mode = server", "mode = server\nurl = http://x",
-                                 "mode = server\nurl = ldap://localhost\nbase = dc=x\nscope = some"}) {
-        root.write("config/data/phone.ini", std::string("[ldap]\n") + settings + "\n");
-        host::Phone phone = open();
-        EXPECT_EQ(phone.problems().size(), 1U) << settings;
-        EXPECT_EQ(Ldap_SearchAsync("5", 0, 9, &receiver, nullptr), 0) << settings;
-        EXPECT_EQ(phone.kernel().pending(), 1U) << "the failure arrives";
+        OxVector<GeneralDirItemData> calls;
+        EXPECT_EQ(Directory_SearchCallLogRecentOutCall(calls, 0, 5), 1);
+        EXPECT_EQ(Directory_SearchCallLogRecentOutCall(calls, -1, 5), -1);
+        EXPECT_EQ(idsOf(*CPresenceContactManager::GetInstance(), "buddy"), "7 ");
+        EXPECT_EQ(Ldap_SearchAsync("5", 0, 9, &screen, nullptr) != 0, usable);
+        EXPECT_EQ(phone.kernel().nextDue(), usable ? 40ms : 0ms) << "a failure arrives at once";
+        EXPECT_EQ(phone.problems().empty(), usable);
     }
 }
 
