@@ -45,7 +45,7 @@ const char* iconvNameOf(pugi::xml_encoding encoding) {
 // What cannot be converted is left out.
 std::string toUtf8(std::string bytes, pugi::xml_encoding encoding) {
     const char* name = iconvNameOf(encoding);
-    const iconv_t converter = name ? iconv_open("UTF-8", name) : nullptr;
+    iconv_t converter = name ? iconv_open("UTF-8", name) : nullptr;
     if (!name || converter == iconv_t(-1)) {
         return bytes;
     }
