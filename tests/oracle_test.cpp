@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdlib>
 #include <random>
 
@@ -28,7 +29,8 @@ public:
         const int size = static_cast<int>(list.size());
         for (int i = from; i < size && i - from < count; ++i) {
             const Contact& call = list[static_cast<std::size_t>(i)];
-            calls.PushBack(std::make_unique<GeneralDirItemData>(call.name, call.numbers[0], call.extra).release());
+            const GeneralDirItemData data{call.name, call.numbers[0], call.extra};
+            calls.PushBack(std::make_unique<GeneralDirItemData>(data).release());
         }
         return size;
     }
@@ -37,24 +39,29 @@ public:
 class Session : host::TraceSink {
 public:
     explicit Session(unsigned long long start) : m_start(start), m_random(start) {
-        m_oracle.sources = {
-            {allIds[0], {"local directory", &m_phone.local->contacts, &m_phone.local->fails}},
-            {allIds[1], {"call log", &m_phone.calls->contacts, &m_phone.calls->fails}},
-            {allIds[2], {"remote directory", &m_phone.remote->contacts, &m_phone.remote->fails}},
-            {allIds[4], {"BroadSoft directory", &m_phone.broad->contacts, &m_phone.broad->fails}},
-            {allIds[5], {"BroadSoft directory", &m_phone.broad->contacts, &m_phone.broad->fails}},
+        const auto source = [this](const char* name, const std::shared_ptr<ScriptedSource>& scripted) {
+            m_scripted.push_back(scripted);
+            return Oracle::Source{name, &scripted->contacts, &scripted->fails};
         };
+        m_oracle.sources = {{allIds[0], source("local directory", m_phone.local)},
+                            {allIds[1], source("call log", m_phone.calls)},
+                            {allIds[2], source("remote directory", m_phone.remote)},
+                            {allIds[4], source("BroadSoft directory", m_phone.broad)},
+                            {allIds[5], source("BroadSoft directory", m_phone.broad)}};
         for (int i = 0; i < 13; ++i) {
             m_calls->list.push_back({i % 3 ? "Nan" : "", {std::to_string(i)}, "x"});
         }
         m_oracle.calls = m_calls->list;
+        m_oracle.meanwhile = [this] {
+            if (m_other && --m_callsUntilOther == 0) {
+                m_other->onPaper();
+            }
+        };
         m_phone.phone.setRecentCalls(m_calls);
         m_phone.phone.setTrace(this);
         m_phone.phone.setInterruption([this](std::string_view function) {
-            if (function.find("Dir") == std::string_view::npos && !function.starts_with("Ldap_")) {
-                return;
-            }
-            if (m_other && m_working && --m_callsUntilOther == 0) {
+            const bool asks = function.find("Dir") != std::string_view::npos || function.starts_with("Ldap_");
+            if (asks && m_working && m_other && --m_callsUntilOther == 0) {
                 m_other->onPhone();
             }
         });
@@ -75,7 +82,7 @@ public:
         while (!testing::Test::HasFailure() && workOne()) {
             compare();
         }
-        EXPECT_TRUE(m_oracle.sent.empty()) << "a page never came: " << m_oracle.sent.front().page;
+        EXPECT_TRUE(m_oracle.sent.empty()) << "a page never came: " << m_oracle.sent.front().second;
         if (testing::Test::HasFailure()) {
             std::string last;
             for (const std::string& step : m_history) {
@@ -143,54 +150,41 @@ private:
 
     Deed request() {
         m_key = nextKey();
-        Oracle::Request request{m_key, oneIn(3) ? below(5) : 0, oneIn(3) ? below(4) : 10, below(3)};
+        Oracle::Request asked{m_key, oneIn(3) ? below(5) : 0, oneIn(3) ? below(4) : 10, below(3)};
         if (oneIn(20)) {
-            request.from = pick<int>({-1, 2147483647, -2147483647, 7});
-            request.count = pick<int>({-1, 0, 2147483647, 1});
+            asked.from = pick<int>({-1, 2147483647, -2147483647, 7});
+            asked.count = pick<int>({-1, 0, 2147483647, 1});
         }
-        request.screen = oneIn(40) ? Oracle::nobody : request.screen;
-        return {"type \"" + request.key + "\" " + std::to_string(request.from) + "+" + std::to_string(request.count) +
-                    " screen " + std::to_string(request.screen),
-                [this, request] {
-                    EXPECT_TRUE(Wideseek_SearchUnion(request.key, request.from, request.count, screen(request.screen)));
-                },
-                [this, request] { m_oracle.handOver(request); }};
+        asked.screen = oneIn(40) ? Oracle::nobody : asked.screen;
+        const std::string what = "type \"" + asked.key + "\" " + std::to_string(asked.from) + "+" +
+                                 std::to_string(asked.count) + " screen " + std::to_string(asked.screen);
+        return {what, [=, this] { Wideseek_SearchUnion(asked.key, asked.from, asked.count, screen(asked.screen)); },
+                [=, this] { m_oracle.handOver(asked); }};
     }
 
     Deed detach(int of) {
-        return {"detach screen " + std::to_string(of), [this, of] { Wideseek_ResetCallBack(screen(of)); },
-                [this, of] { m_oracle.detach(of); }};
-    }
-
-    Deed stop() {
-        return {"stop", [] { NS_WS::CWideseekController::ReleaseInstance(); }, [this] { m_oracle.stop(); }};
-    }
-
-    Deed reset() {
-        return {"reset", [] { Wideseek_ResetKey(); }, [this] { m_oracle.reset(); }};
+        return {"detach screen " + std::to_string(of), [=, this] { Wideseek_ResetCallBack(screen(of)); },
+                [=, this] { m_oracle.detach(of); }};
     }
 
     // The source list is read at once, as by the message thread coming in.
-    Deed reload() {
-        return {"reload",
-                [] {
-                    ETL_MsgQueueHelper::msgObject message{0x10007, 52};
-                    NS_WS::CWideseekController::OnMessage(message);
-                },
-                [this] { m_oracle.reload(); }};
+    static void reload() {
+        ETL_MsgQueueHelper::msgObject message{0x10007, 52};
+        NS_WS::CWideseekController::OnMessage(message);
     }
 
     Deed anyDeed() {
-        switch (below(10)) {
-        case 0:
+        const int dice = below(40);
+        if (dice < 4) {
             return detach(below(3));
-        case 1:
-            return oneIn(4) ? stop() : reset();
-        case 2:
-            return reload();
-        default:
-            return request();
         }
+        if (dice < 5) {
+            return {"stop", NS_WS::CWideseekController::ReleaseInstance, [this] { m_oracle.stop(); }};
+        }
+        if (dice < 8) {
+            return {"reset", Wideseek_ResetKey, [this] { m_oracle.reset(); }};
+        }
+        return dice < 12 ? Deed{"reload", reload, [this] { m_oracle.reload(); }} : request();
     }
 
     void act(const Deed& deed) {
@@ -208,7 +202,7 @@ private:
         act(detach(index));
         note("destroy screen " + std::to_string(index));
         m_screens[static_cast<std::size_t>(index)] = std::make_unique<Screen>();
-        m_sent -= std::erase_if(m_oracle.sent, [&](const Oracle::Sent& sent) { return sent.screen == index; });
+        m_sent -= std::erase_if(m_oracle.sent, [&](const auto& sent) { return sent.first == index; });
     }
 
     // ---- the phone around them ----
@@ -226,7 +220,7 @@ private:
     }
 
     void changeContacts() {
-        for (const auto& source : {m_phone.local, m_phone.calls, m_phone.remote, m_phone.broad}) {
+        for (const auto& source : m_scripted) {
             source->contacts = people();
             source->fails = oneIn(5);
         }
@@ -317,19 +311,13 @@ private:
     }
 
     void onPaper(const std::string& label) {
-        m_oracle.meanwhile = [this] {
-            if (m_other && --m_callsUntilOther == 0) {
-                m_other->onPaper();
-            }
-        };
         if (label == "request") {
             m_oracle.work();
+        } else if (label == "timer" && m_oracle.timer()) {
+            EXPECT_LE(*m_oracle.timer(), m_oracle.now) << "early";
+            m_oracle.expire();
         } else if (label == "timer") {
-            EXPECT_TRUE(m_oracle.timer() || m_oracle.hasPast()) << "a timer nobody armed";
-            if (m_oracle.timer()) {
-                EXPECT_LE(*m_oracle.timer(), m_oracle.now) << "early";
-                m_oracle.expire();
-            }
+            EXPECT_TRUE(m_oracle.hasPast()) << "a timer nobody armed";
         } else if (label == "LDAP answer") {
             ASSERT_FALSE(m_answers.empty());
             const LdapAnswer answer = m_answers.front();
@@ -346,17 +334,15 @@ private:
 
     void checkPage() {
         ASSERT_FALSE(m_oracle.sent.empty()) << "a page nobody expects";
-        const Oracle::Sent sent = m_oracle.sent.front();
+        std::vector<std::pair<int, std::string>> arrived;
+        for (int i = 0; i < 3; ++i) {
+            for (const WideseekListData& page : std::exchange(screen(i)->pages, {})) {
+                arrived.emplace_back(i, Oracle::textOf(page));
+            }
+        }
+        EXPECT_EQ(arrived, (decltype(arrived){m_oracle.sent.front()}));
         m_oracle.sent.pop_front();
         --m_sent;
-        std::size_t pages = 0;
-        for (const auto& each : m_screens) {
-            pages += each->count();
-        }
-        ASSERT_EQ(pages, 1U);
-        ASSERT_EQ(screen(sent.screen)->count(), 1U) << "at the wrong screen";
-        EXPECT_EQ(Oracle::textOf(screen(sent.screen)->pages.back()), sent.page);
-        screen(sent.screen)->pages.clear();
     }
 
     void compare() {
@@ -379,13 +365,9 @@ private:
     std::mt19937_64 m_random;
     SteppedPhone m_phone{{}};
     std::shared_ptr<Calls> m_calls = std::make_shared<Calls>();
-    std::vector<std::unique_ptr<Screen>> m_screens = [] {
-        std::vector<std::unique_ptr<Screen>> screens;
-        for (int i = 0; i < 3; ++i) {
-            screens.push_back(std::make_unique<Screen>());
-        }
-        return screens;
-    }();
+    std::array<std::unique_ptr<Screen>, 3> m_screens = {std::make_unique<Screen>(), std::make_unique<Screen>(),
+                                                        std::make_unique<Screen>()};
+    std::vector<std::shared_ptr<ScriptedSource>> m_scripted;
     Oracle m_oracle;
     std::string m_key;
     std::optional<Deed> m_other;

@@ -5,9 +5,9 @@
 //     Oracle oracle;
 //     oracle.sources["local_directory_search"] = {"local directory", &local->contacts, &local->fails};
 //     oracle.file = {"local_directory_search"};
-//     oracle.handOver({"5", 0, 10, 1});        // what a caller does
-//     oracle.work();                           // a "request" message ran
-//     oracle.sent.front();                     // what must arrive first: "1: 5 0+10 of 1: Ann 51"
+//     oracle.handOver({"5", 0, 10, 1});  // what a caller does
+//     oracle.work();                     // a request's message ran
+//     oracle.sent.front();               // what must arrive first: {1, "5 0+10 of 1: Ann 51,"}
 //
 // It understands keys of ASCII letters, digits, blanks and dashes.
 #pragma once
@@ -19,6 +19,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace test {
@@ -41,22 +42,15 @@ public:
         const bool* fails = nullptr;
     };
 
-    struct Sent {
-        int screen = nobody;
-        std::string page;
-    };
-
-    // ---- the phone ----
-
+    // The phone.
     std::map<std::string, Source> sources;
     std::vector<std::string> file; // the ids in the source list file
     std::vector<Contact> calls;    // outgoing
     bool recentCalls = false;
     host::Duration now{};
-    std::function<void()> meanwhile; // another thread comes in: before and after every question to a source
+    std::function<void()> meanwhile = [] {}; // another thread comes in: before and after every question to a source
 
-    // ---- what callers do ----
-
+    // What callers do.
     void start();
     void stop();
     void handOver(const Request& request);
@@ -64,24 +58,20 @@ public:
     void reload();
     void detach(int screen);
 
-    // ---- what messages do ----
-
+    // What messages do.
     void work();
     void expire();
     void answer(const std::string& key, const std::vector<Contact>& rows, bool succeeded);
 
-    // ---- what must have come of it ----
-
-    std::deque<Sent> sent;
-    std::vector<std::string> asked; // "local directory 5"
-
-    int life() const { return m_life; }
-    bool isAlive(int life) const; // running, or kept by requests that are still queued
-    bool hasPast() const { return !m_queued.empty() && m_queued.front() != m_life; }
-    std::optional<host::Duration> timer() const { return m_timer; }
-
-    static std::string converted(const std::string& typed);
+    // What must have come of it.
+    std::deque<std::pair<int, std::string>> sent; // screen and page, as textOf gives it
+    std::vector<std::string> asked;               // "local directory 5"
     static std::string textOf(const WideseekListData& page);
+
+    int life() const { return m_life; } // how often it was stopped
+    bool isAlive(int life) const;       // running, or kept by requests that are still queued
+    bool hasPast() const { return !m_queued.empty() && m_queued.front() != m_life; }
+    std::optional<host::Duration> timer() const { return m.timer; }
 
 private:
     enum class State { waiting, searching, done, failed };
@@ -90,6 +80,22 @@ private:
         std::string id;
         State state = State::waiting;
         std::vector<Contact> rows; // the first number is the row's
+    };
+
+    // What one life knows.
+    struct Search {
+        bool running = false;
+        std::vector<std::string> list;
+        std::optional<Request> next; // handed over, not taken
+        Request work;                // being worked
+        std::string key;             // its key, converted
+        int receiver = nobody;       // whom it owes a page
+        int late = nobody;           // who gets a late answer's page
+        std::string heldKey;         // whose rows the buckets hold; empty: no key's
+        bool fresh = false;          // not reset since they were asked for
+        std::vector<Bucket> buckets;
+        bool armed = false;
+        std::optional<host::Duration> timer;
     };
 
     struct Stopped {};
@@ -101,25 +107,14 @@ private:
     void offerRecentCalls();
     void check(const std::string& key, const std::string& shownKey);
     void cut(const std::string& key, const std::string& shownKey);
-    void send(const std::string& shownKey, int total, const std::vector<std::string>& rows);
+    void send(const std::string& shownKey, long long total, const std::string& rows);
     void add(Bucket& bucket, const Contact& contact);
     Bucket* find(const std::string& id);
-    bool isCurrent() const { return m_running && !m_next; }
+    bool mayCut() const { return m.work.from >= 0 && m.work.count >= 0 && m.running && !m.next; }
 
-    bool m_running = false;
+    Search m;
     int m_life = 0;
     std::deque<int> m_queued; // the life each queued request belongs to
-    std::vector<std::string> m_list;
-    std::optional<Request> m_next; // handed over, not taken
-    Request m_work;                // being worked
-    std::string m_key;             // its key, converted
-    int m_receiver = nobody;       // whom it owes a page
-    int m_late = nobody;           // who gets a late answer's page
-    std::string m_heldKey;         // whose rows the buckets hold; empty: no key's
-    bool m_fresh = false;          // not reset since they were asked for
-    std::vector<Bucket> m_buckets;
-    bool m_armed = false;
-    std::optional<host::Duration> m_timer;
 };
 
 } // namespace test
