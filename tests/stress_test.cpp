@@ -242,13 +242,15 @@ TEST(Threads, ARequestGetsItsPageWhateverTheSourceListDoesMeanwhile) {
     Wideseek_ResetCallBack(&screen);
 }
 
-TEST(Threads, ADetachThatMeetsAStopStillKeepsEveryPageAway) {
-    SteppedPhone phone({localId});
+TEST(Threads, AStopHalfwayThroughKeepsEveryPageAwayFromDetachedAndLateScreens) {
+    SteppedPhone phone({ldapId, localId});
     phone.local->contacts = {{"Ann", {"51"}}};
     std::optional<NS_WS::CWideseekController::CUse> use; // holds the stop up where the controller is out of reach
     std::thread stopping;
     Screen screen;
+    Screen late;
     phone.local->meanwhile = [&] {
+        ASSERT_FALSE(stopping.joinable()) << "asked again";
         use.emplace(false);
         stopping = std::thread(NS_WS::CWideseekController::ReleaseInstance);
         NS_WS::WideseekCfgListData ignored;
@@ -256,11 +258,14 @@ TEST(Threads, ADetachThatMeetsAStopStillKeepsEveryPageAway) {
             std::this_thread::yield();
         }
         Wideseek_ResetCallBack(&screen);
+        (*use)->SearchUnion("5", 0, 1, &late);
     };
     phone.type("5", screen);
+    phone.answerLdap({{"Bob", {"52"}}});
+    phone.run(1s);
     use.reset();
     stopping.join();
-    EXPECT_EQ(screen.count(), 0U);
+    EXPECT_EQ(screen.count() + late.count(), 0U);
 }
 
 } // namespace
