@@ -3,7 +3,6 @@
 #include "host/EmbeddedLdap.h"
 #include "host/Phone.h"
 #include "platform/Ldap.h"
-#include "tests/support/Recorder.h"
 #include "tests/support/SteppedPhone.h"
 
 #include <gtest/gtest.h>
@@ -91,8 +90,6 @@ TEST_F(LdapModule, AnAnswerArrivesOnceOnTheThreadThatWasNamedAndNeverFromWithinA
 }
 
 TEST_F(LdapModule, ANewerQueryTakesThePlaceOfTheOlderOneWhereverThatStands) {
-    test::Recorder recorder;
-    phone.setTrace(&recorder);
     ask("a"); // runs in the directory
     ask("b"); // is answered, not delivered
     answer(1, {{"b", "2"}});
@@ -102,13 +99,9 @@ TEST_F(LdapModule, ANewerQueryTakesThePlaceOfTheOlderOneWhereverThatStands) {
     answer(1, {}, false);
     run();
     EXPECT_EQ(answers, "");
-    answer(2, {{"Ann", "1"}, {"Ann", ""}, {"Bob", "2"}});
-    recorder.seen += "answered\n";
+    answer(2);
     run();
-    EXPECT_EQ(answers, "c=0,Ann 1,Ann ,Bob 2;");
-    EXPECT_EQ(recorder.seen, "3|LDAP|a|0/0\n5|LDAP|a|0/0\n3|LDAP|b|0/0\n5|LDAP||0/0\n3|LDAP|c|0/0\nanswered\n"
-                             "4|LDAP|c|2/2\n");
-    phone.setTrace(nullptr);
+    EXPECT_EQ(answers, "c=0;");
 }
 
 TEST_F(LdapModule, NothingReachesACallbackObjectThatIsGone) {
