@@ -104,8 +104,8 @@ void CWideseekAction::ResetKey() {
 
 void CWideseekAction::Detach(const NS_TA::CTaskActionCallbackBase* pCallback) {
     const CLock lock(m_csRequest);
-    // A request that has lost its object has nobody for a late answer's page either: the object of the request before it
-    // never asked for that page.
+    // A request that has lost its object has nobody for a late answer's page either: the object of the request before
+    // it never asked for that page.
     if (m_pCallback == pCallback) {
         m_pCallback = nullptr;
         m_pLastCallback = nullptr;

@@ -124,9 +124,9 @@ public:
     int GetSearchCount() const CH_REQUIRES(m_csWork);
     void SetSearchCount(int iSearchCount);
 
-    // A request that was handed over could not be queued: its object gets no page, unless a newer request has replaced it.
-    // It goes on outranking older ones, whose work may have broken off for it and left the buckets half narrowed. Any
-    // thread.
+    // A request that was handed over could not be queued: its object gets no page, unless a newer request has replaced
+    // it. It goes on outranking older ones, whose work may have broken off for it and left the buckets half narrowed.
+    // Any thread.
     void TakeBack(unsigned long long uSerial);
 
     // Forgets pCallback wherever it is kept. No send to it is running when this returns, and none follows. Any thread.
@@ -157,8 +157,8 @@ private:
         unsigned long long uSerial = 0;
     };
 
-    // Called by the constructor, when nobody else knows the object. The lock is not taken: the controller makes the action
-    // with its own lock held, which work with m_csWork held may wait for.
+    // Called by the constructor, when nobody else knows the object. The lock is not taken: the controller makes the
+    // action with its own lock held, which work with m_csWork held may wait for.
     bool MyInit() CH_REQUIRES(m_csWork);
 
     bool MyFinal();
