@@ -21,8 +21,8 @@ enum StringMatchType {
 
 // The key that is searched for when strText is typed. STRING_CONVERT_SEARCH_KEY: letter case and width are folded (full
 // width digits and letters become ASCII), blanks at both ends are trimmed, and in what is plainly a number (digits, "*"
-// and "#" with blanks, dashes, dots, brackets between them and at most one "+" in front) all but the digits, "*" and "#"
-// is dropped. Converting a converted key changes nothing.
+// and "#" with blanks, dashes, dots, brackets between them and at most one "+" in front) all but the digits, "*" and
+// "#" is dropped. Converting a converted key changes nothing.
 std::string CommonAPI_StringConvert(const std::string& strText, StringConvertType eType);
 
 // True when the converted key strKey is to be matched as keypad digits: it is not empty and consists of digits, "*" and
@@ -33,8 +33,8 @@ bool CommonAPI_IsSearchByT9(const std::string& strKey);
 std::string CommonAPI_TrimString(const std::string& strText, const std::string& strChars, TrimType eType);
 
 // Non-zero when strText matches strKey. STRING_MATCH_CONTAINS: strKey occurs anywhere in strText, where letter case,
-// accents and width make no difference (bWholeWord false), or with no letter or digit beside it (bWholeWord true). An empty
-// strKey matches everything.
+// accents and width make no difference (bWholeWord false), or with no letter or digit beside it (bWholeWord true). An
+// empty strKey matches everything.
 int CommonAPI_StringMatch(const std::string& strText, const std::string& strKey, bool bWholeWord,
                           StringMatchType eType);
 
@@ -45,6 +45,6 @@ int CommonAPI_StringMatch(const std::string& strText, const std::string& strKey,
 std::string CommonUnits_ToKeyString(const std::string& strName);
 
 // The bounds of a page: the first row index and the index one past the last for iSearchCount rows from iFromIndex on. A
-// count of 0 means all rows from there on. Neither bound passes iMaxIndex, and nothing overflows. Zero, with *piFirst and
-// *piEnd left as they are, when a number is negative or a pointer null; else non-zero.
+// count of 0 means all rows from there on. Neither bound passes iMaxIndex, and nothing overflows. Zero, with *piFirst
+// and *piEnd left as they are, when a number is negative or a pointer null; else non-zero.
 int CommonAPI_GetFromAndToIndex(int* piFirst, int* piEnd, int iFromIndex, int iSearchCount, int iMaxIndex);

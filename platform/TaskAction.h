@@ -76,8 +76,8 @@ public:
 protected:
     int m_iTypeId;
     int m_iResultCode;
-    bool m_bRead;  // Exec is to read, not to write
-    bool m_bFlag;  // for other kinds of action
+    bool m_bRead;                         // Exec is to read, not to write
+    bool m_bFlag;                         // for other kinds of action
     CTaskActionCallbackBase* m_pCallback; // who is told of results; not owned
 };
 

@@ -30,7 +30,8 @@ constexpr std::size_t MAX_BUDDY_NUMBERS = 3;
 } // namespace
 
 bool CWideseekAction::MyReSearch(std::string strKey, std::string strRawKey) {
-    // One list for the buckets and for the questions: a bucket that a reload in between leaves unasked would never finish.
+    // One list for the buckets and for the questions: a bucket that a reload in between leaves unasked would never
+    // finish.
     WideseekCfgListData list;
     const bool bSources = MyRefreshResult(list);
     m_bTimerWaiting = false;
