@@ -44,4 +44,8 @@ if(WIDESEEK_SANITIZE)
   target_compile_options(wideseek_settings INTERFACE -fsanitize=${sanitizers} -fno-omit-frame-pointer
                                                      -fno-sanitize-recover=all)
   target_link_options(wideseek_settings INTERFACE -fsanitize=${sanitizers})
+  if("undefined" IN_LIST WIDESEEK_SANITIZE)
+    # It asks for the type information of classes, which the library hides of those that callers do not derive from.
+    target_compile_options(wideseek_settings INTERFACE -fno-sanitize=vptr)
+  endif()
 endif()
