@@ -268,4 +268,23 @@ TEST(Threads, AStopHalfwayThroughKeepsEveryPageAwayFromDetachedAndLateScreens) {
     EXPECT_EQ(screen.count() + late.count(), 0U);
 }
 
+TEST(Threads, ASearchThatBeginsWhileTheSourceListIsReadIsNoResultOfTheNewList) {
+    SteppedPhone phone({localId});
+    phone.setSourceList(sourceListOf({remoteId}));
+    Screen screen;
+    bool typed = false;
+    phone.phone.setInterruption([&](std::string_view function) {
+        if (function == "app_log" && !typed) { // the reload begins
+            typed = true;
+            phone.type("5", screen);
+        }
+    });
+    ETL_MsgQueueHelper::msgObject msg{0x10007, 52};
+    EXPECT_NE(NS_WS::CWideseekController::OnMessage(msg), 0);
+    phone.phone.setInterruption(nullptr);
+    EXPECT_EQ(phone.local->asked.size(), 1U);
+    phone.type("51", screen);
+    EXPECT_EQ(phone.remote->asked, std::vector<std::string>{"51"});
+}
+
 } // namespace
