@@ -8,11 +8,6 @@ if(sources AND TARGET Wideseek AND TARGET wideseek_host)
   add_executable(wideseek ${sources})
   target_link_libraries(wideseek PRIVATE wideseek_settings Wideseek wideseek_host CLI11::CLI11 pugixml::pugixml
                                               nlohmann_json::nlohmann_json PkgConfig::utf8proc PkgConfig::ncursesw)
-  if(WIDESEEK_SANITIZE)
-    # It calls the controller, whose type information the library hides and this one check would look for.
-    set_source_files_properties("${PROJECT_SOURCE_DIR}/tools/wideseek/SourceListReader.cpp"
-                                PROPERTIES COMPILE_OPTIONS -fno-sanitize=vptr)
-  endif()
   # The tool finds the sample phone of the source tree that it was built from, as long as that is there.
   target_compile_definitions(wideseek PRIVATE WIDESEEK_SAMPLE_DIR="${PROJECT_SOURCE_DIR}/sample"
                                               WIDESEEK_VERSION="${PROJECT_VERSION}")
