@@ -53,13 +53,12 @@ a late answer goes to nobody | WideseekActionResult.cpp | /::MyRestoreCallback/,
 a source without memory counts as searched | WideseekActionResult.cpp | s/^            ResetKey();//
 a failed source is shown | WideseekActionSource.cpp | s/bFound ? RESULT_STATE_DONE : RESULT_STATE_FAILED/RESULT_STATE_DONE/
 LDAP's former rows stay in the filter | WideseekActionSource.cpp | /::MyReSearchLdap/,/^}/s/MyRemoveFilter(item);/(void)item;/
-a search asks another list than it made buckets for | WideseekActionSource.cpp | s/^    m_bTimerWaiting = false;/& list.listItem.clear(); CWideseekController::LendEnableCfgList(\&list);/
 an answer for another key is taken | WideseekActionSource.cpp | s/ || strConverted != m_strKey//
 a failed answer is taken | WideseekActionSource.cpp | s/pAction->GetResultCode() != 0 || //
 an overtaken search counts as searched | WideseekActionSource.cpp | /::MyReSearch(/,/^}/s/MyForgetSearched();//
 a stopped search asks on | WideseekActionSource.cpp | s/if (MyIsStopped())/if (MyIsStopped() \&\& strKey.empty())/
 a stop leaves the search running | WideseekController.cpp | s/pController->m_pSearchAction->Stop();//
-a stop takes the controller away before the search ends | WideseekController.cpp | s/pController->m_pSearchAction->Stop();//; s/pController->MyFinal();/pController->m_pSearchAction->Stop(); &/
+a stop takes the controller away before the search ends | WideseekController.cpp | s/pController->m_pSearchAction->Stop();//; s/pController->MyFinal();/if (pController->m_pSearchAction != nullptr) pController->m_pSearchAction->Stop(); &/
 a reload does not reach a running search | WideseekController.cpp | /const bool bRead/,/^}/s/    ResetKey();//
 disabled sources come first | WideseekModel.cpp | s/PRIORITY_DISABLED = 255/PRIORITY_DISABLED = 0/
 sources behind a disabled one take part | WideseekModel.cpp | /::GetEnableCfgList/,/^}/s/break;/continue;/

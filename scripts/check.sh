@@ -31,7 +31,8 @@ test_preset() {
     local as_is=()
     setarch -R true 2>/dev/null && as_is=(setarch -R)
     "${as_is[@]}" scripts/build.sh "$1"
-    "${as_is[@]}" ctest --preset "$1"
+    # The checks that run the tool or build against the library say nothing new here; ./test.sh runs them.
+    "${as_is[@]}" ctest --preset "$1" -E '_check$'
 }
 
 check_fuzz() {
