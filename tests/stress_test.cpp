@@ -228,7 +228,7 @@ TEST(Threads, ARequestGetsItsPageWhateverTheSourceListDoesMeanwhile) {
         }
     });
     JudgingScreen screen(live.screenThread);
-    const auto end = Clock::now() + stressTime() / 4;
+    const auto end = Clock::now() + stressTime() / 2;
     for (bool got = true; got && Clock::now() < end;) {
         for (const std::string typed : {"1", "12", "2"}) {
             screen.forget();
