@@ -25,14 +25,14 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 checks=(format headers symbols lint tests clang asan tsan fuzz run)
 by_name=(arm)
 
-# Builds a preset and runs its tests. ThreadSanitizer cannot work where addresses are randomised as far as newer kernels
+# Builds a preset and runs its tests, but those that match a pattern. ThreadSanitizer cannot work where addresses are randomised as far as newer kernels
 # do it, hence no randomisation where that may be switched off.
 test_preset() {
     local as_is=()
     setarch -R true 2>/dev/null && as_is=(setarch -R)
     "${as_is[@]}" scripts/build.sh "$1"
     # The checks that run the tool or build against the library say nothing new here; ./test.sh runs them.
-    "${as_is[@]}" ctest --preset "$1" -E '_check$'
+    "${as_is[@]}" ctest --preset "$1" -E "_check\$${2:+|$2}"
 }
 
 check_fuzz() {
@@ -73,7 +73,9 @@ run_check() {
     case $1 in
     format | headers | symbols | lint) "scripts/check-$1.sh" ;;
     tests) ./test.sh ;;
-    clang | asan | tsan) test_preset "$1" ;;
+    clang | asan) test_preset "$1" ;;
+    # What has one thread only stays out; where it plays two, its order of locks looks like theirs.
+    tsan) test_preset "$1" '^(Orders|Oracle|Random)' ;;
     fuzz) check_fuzz ;;
     run) check_run ;;
     arm) check_arm ;;
