@@ -118,7 +118,7 @@ int CallLogFile::outgoing(OxVector<GeneralDirItemData>& calls, int from, int cou
         const LoggedCall& call = log->outgoing[i];
         auto item = std::make_unique<GeneralDirItemData>(GeneralDirItemData{call.name, call.number, call.extra});
         calls.PushBack(item.get());
-        item.release();
+        static_cast<void>(item.release()); // the list owns it now
     }
     return static_cast<int>(std::min<std::size_t>(log->outgoing.size(), std::numeric_limits<int>::max()));
 }
