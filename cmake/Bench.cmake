@@ -1,15 +1,22 @@
-# wideseek_bench: the benchmarks.
+# The benchmarks: wideseek_bench (bench/search_bench.cpp) measures single workloads of the library and its sources,
+# wideseek_session_bench (bench/session_bench.cpp, bench/session) whole typing sessions. Both share the rest of bench.
 
-file(GLOB sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/bench/*.cpp")
-if(sources AND TARGET wideseek_objects AND TARGET wideseek_host)
+file(GLOB shared CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/bench/*.cpp")
+list(FILTER shared EXCLUDE REGEX "_bench\\.cpp$")
+file(GLOB session CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/bench/session/*.cpp")
+if(TARGET wideseek_objects AND TARGET wideseek_host)
   find_package(benchmark QUIET)
   find_package(SQLite3 QUIET)
   if(benchmark_FOUND AND SQLite3_FOUND)
-    add_executable(wideseek_bench ${sources})
-    target_link_libraries(wideseek_bench PRIVATE wideseek_settings wideseek_objects wideseek_host
-                                                 nlohmann_json::nlohmann_json benchmark::benchmark SQLite::SQLite3)
+    add_executable(wideseek_bench "${PROJECT_SOURCE_DIR}/bench/search_bench.cpp" ${shared})
+    target_link_libraries(wideseek_bench PRIVATE wideseek_settings wideseek_objects wideseek_host benchmark::benchmark)
+
+    add_executable(wideseek_session_bench "${PROJECT_SOURCE_DIR}/bench/session_bench.cpp" ${session} ${shared})
+    target_link_libraries(
+      wideseek_session_bench PRIVATE wideseek_settings Wideseek wideseek_host CLI11::CLI11
+                                     nlohmann_json::nlohmann_json SQLite::SQLite3)
   else()
-    message(STATUS "wideseek_bench is left out: it needs Google Benchmark and SQLite "
+    message(STATUS "The benchmarks are left out: they need Google Benchmark and SQLite "
                    "(scripts/install-deps.sh bench installs them)")
   endif()
 endif()

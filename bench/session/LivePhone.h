@@ -1,0 +1,76 @@
+// The phone as it runs: real threads, contact files, and a callback object that stands where the search screen stands.
+//
+// Five sources answer at once: the local directory, the call log, the remote and the BroadSoft directory, each over a
+// contact file, and the presence buddies. The thread that makes it is the phone's main thread and calls everything.
+#pragma once
+
+#include "bench/session/KeySearch.h"
+#include "bench/session/Population.h"
+#include "host/Phone.h"
+#include "platform/TaskAction.h"
+
+#include <functional>
+#include <memory>
+
+namespace bench {
+
+class LivePhone : public KeySearch {
+public:
+    // Throws std::runtime_error when a contact file is not as it should be; type does when no page comes.
+    explicit LivePhone(const Population& population);
+    ~LivePhone() override;
+    LivePhone(const LivePhone&) = delete;
+    LivePhone& operator=(const LivePhone&) = delete;
+
+    bool isStateless() const override { return false; }
+    void begin() override;
+
+    // From the call of Wideseek_SearchUnion to the page at the callback object, and to the end of the work on the
+    // search thread; waits for both. A page that the sources in front fill is sent before the others are asked.
+    Took type(const std::string& key) override;
+    Page page() const override;
+
+    // The times of empty requests while no source has any contact: what the two hand-overs, caller to search thread to
+    // callback object, take by themselves.
+    std::vector<Nanoseconds> emptyRequests(std::size_t count);
+
+    // How long the caller's thread is held up by what it may do while a search for key runs.
+    struct CallerTimes {
+        std::vector<Nanoseconds> handOver; // Wideseek_SearchUnion
+        std::vector<Nanoseconds> reset;    // Wideseek_ResetKey
+        std::vector<Nanoseconds> detach;   // Wideseek_ResetCallBack, of an object that waits for no page
+    };
+    CallerTimes callerDuringSearch(const std::string& key, std::size_t rounds);
+
+    // Told on the search thread when a source begins and when it ends to work. Not while a search runs.
+    void watchSources(std::function<void(bool inSource)> watcher);
+
+private:
+    class Screen : public NS_TA::CTaskActionCallbackBase {
+    public:
+        void OnTaskActionCallback(NS_TA::CTaskAction* pAction) override;
+
+        std::size_t pages = 0;
+        Clock::time_point at;
+        WideseekListData page;
+    };
+
+    class Trace : public host::TraceSink {
+    public:
+        void onTrace(const host::TraceEvent& event) override;
+
+        std::function<void(bool)> watcher;
+        std::atomic<bool> isWorking{false}; // a request is
+    };
+
+    void request(const std::string& key);
+    void await(const std::string& key, const std::function<bool()>& finished);
+    void useFiles();
+
+    TemporaryFolder m_root;
+    host::Phone m_phone;
+    Screen m_screen;
+    Trace m_trace;
+};
+
+} // namespace bench

@@ -1,0 +1,49 @@
+#include "bench/session/Typing.h"
+
+#include "host/text/Fold.h"
+#include "platform/CommonAPI.h"
+
+#include <random>
+#include <string_view>
+
+namespace bench {
+
+namespace {
+
+constexpr std::size_t mostKeys = 8;
+
+Session typed(Way way, std::string_view text) {
+    Session session{way, {}};
+    std::size_t length = 0;
+    while (length < text.size() && session.keys.size() < mostKeys) {
+        length += host::text::firstCharacter(text.substr(length)).size;
+        session.keys.emplace_back(text.substr(0, length));
+    }
+    return session;
+}
+
+// One of the contact's numbers as it is typed: without the "+".
+std::string_view numberOf(const DirectorySearchData& contact, std::size_t choice) {
+    const std::size_t count = !contact.strNumber3.empty() ? 3 : !contact.strNumber2.empty() ? 2 : 1;
+    const std::string* const numbers[] = {&contact.strNumber1, &contact.strNumber2, &contact.strNumber3};
+    std::string_view number = *numbers[choice % count];
+    number.remove_prefix(number.starts_with('+') ? 1 : 0);
+    return number;
+}
+
+} // namespace
+
+std::vector<Session> makeSessions(const Population& population, std::size_t contacts) {
+    std::mt19937 random(8);
+    std::vector<Session> sessions;
+    for (std::size_t i = 0; i < contacts; ++i) {
+        const auto& source = population.at(i % sourceCount);
+        const DirectorySearchData& contact = source.at(random() % source.size());
+        sessions.push_back(typed(Way::keypad, CommonUnits_ToKeyString(contact.strName)));
+        sessions.push_back(typed(Way::number, numberOf(contact, random())));
+        sessions.push_back(typed(Way::text, contact.strName));
+    }
+    return sessions;
+}
+
+} // namespace bench
