@@ -1,10 +1,17 @@
-// wideseek check: why a source of a source list is asked, and why another one is not.
+// wideseek check: explains a source list.
 #pragma once
 
-#include "tools/wideseek/Command.h"
+#include <string>
 
 namespace wideseek {
 
-Command addCheckCommand(CLI::App& application);
+struct CheckArguments {
+    std::string file; // empty: the one of the phone's root
+    std::string root; // empty: the default
+    bool json = false;
+};
+
+// Gives the exit code.
+int checkFile(const CheckArguments& arguments);
 
 } // namespace wideseek

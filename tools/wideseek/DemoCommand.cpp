@@ -1,17 +1,14 @@
 #include "tools/wideseek/DemoCommand.h"
 
+#include "tools/wideseek/ExitCode.h"
 #include "tools/wideseek/Interrupt.h"
 #include "tools/wideseek/PagePrinter.h"
-#include "tools/wideseek/PhoneArguments.h"
 #include "tools/wideseek/Text.h"
 
-#include <CLI/CLI.hpp>
-
+#include <algorithm>
 #include <array>
 #include <iostream>
-#include <memory>
 #include <optional>
-#include <string>
 
 namespace wideseek {
 
@@ -39,11 +36,10 @@ constexpr std::array steps = {
 };
 
 constexpr const char* introduction =
-    "This types into the search box of a phone. Every key is answered with a page: the first rows of the result, "
-    "their\n"
-    "total, and the time from key to page. Contacts come from the phone itself, its call log, the company's "
-    "directory,\n"
-    "the phone's buddies, a remote directory, and from LDAP, which answers later and then sends a second page.\n";
+    R"(This types into the search box of a phone. Every key is answered with a page: the first rows of the result, their
+total, and the time from key to page. Contacts come from the phone itself, its call log, the company's directory,
+the phone's buddies, a remote directory, and from LDAP, which answers later and then sends a second page.
+)";
 
 constexpr const char* hint = R"(Next:
   ./run.sh type --count 5 5 53 533          type your own keys
@@ -80,6 +76,8 @@ private:
     std::optional<WideseekListData> m_shown;
 };
 
+} // namespace
+
 int showDemo(const PhoneArguments& arguments) {
     const host::PhoneOptions options = phoneOptionsOf(arguments);
     Presenter presenter(isBoldWelcome());
@@ -99,16 +97,6 @@ int showDemo(const PhoneArguments& arguments) {
     }
     std::cout << hint;
     return exitCode::success;
-}
-
-} // namespace
-
-Command addDemoCommand(CLI::App& application) {
-    const auto arguments = std::make_shared<PhoneArguments>();
-    CLI::App* parser =
-        application.add_subcommand("demo", "Show the search at work on the sample phone, in a few seconds");
-    addPhoneArguments(*parser, *arguments);
-    return {parser, [arguments] { return showDemo(*arguments); }};
 }
 
 } // namespace wideseek

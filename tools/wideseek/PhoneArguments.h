@@ -1,4 +1,4 @@
-// The options that name and set up the phone, the same for every subcommand that runs one.
+// The arguments that name and set up the phone, the same for every subcommand that runs one.
 #pragma once
 
 #include "host/Phone.h"
@@ -7,26 +7,16 @@
 #include <optional>
 #include <string>
 
-namespace CLI {
-class App;
-}
-
 namespace wideseek {
 
-// What CLI11 makes of a flag that stands without a value.
+// What the command line makes of a flag that stands without a value.
 inline constexpr const char* bareFlag = "true";
 
 struct PhoneArguments {
-    std::string root; // empty: the default
-    std::string log;  // empty: none; bareFlag: the standard error output; else a file
-    std::optional<int> ldapDelay;
+    std::string root;             // empty: the default
+    std::string log;              // empty: none; bareFlag: the standard error output; else a file
+    std::optional<int> ldapDelay; // ms; none: what the phone's configuration says
 };
-
-// Adds --root alone.
-void addRootArgument(CLI::App& command, std::string& root);
-
-// Adds --root, --log and --ldap-delay, which write to arguments; it lives as long as command.
-void addPhoneArguments(CLI::App& command, PhoneArguments& arguments);
 
 // The root that --root asks for; the default one when it is empty.
 std::filesystem::path phoneRootOf(const std::string& root);

@@ -1,10 +1,11 @@
 // wideseek phone: the phone's search screen on the terminal.
 #pragma once
 
-#include "tools/wideseek/Command.h"
+#include "tools/wideseek/PhoneArguments.h"
 
 namespace wideseek {
 
-Command addPhoneCommand(CLI::App& application);
+// Gives the exit code; throws std::exception for what keeps the phone from starting.
+int showPhone(const PhoneArguments& arguments);
 
 } // namespace wideseek

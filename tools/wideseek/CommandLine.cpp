@@ -1,0 +1,177 @@
+#include "tools/wideseek/CommandLine.h"
+
+#include "tools/wideseek/CheckCommand.h"
+#include "tools/wideseek/DemoCommand.h"
+#include "tools/wideseek/ExitCode.h"
+#include "tools/wideseek/PhoneCommand.h"
+#include "tools/wideseek/TypeCommand.h"
+
+#include <CLI/CLI.hpp>
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace wideseek {
+
+namespace {
+
+constexpr int longestLdapDelay = 60'000;
+constexpr int longestPause = 3'600'000;
+
+// CLI11 reads "[5,3]" as a list of two, and no option of this tool takes a list: what looks like one is marked before
+// parsing.
+constexpr char asTypedMark = '\x1f';
+
+constexpr const char* phoneFooter = R"(
+F1 shows the keys, F10 or Ctrl-C leaves. 40 columns and 12 lines are enough.)";
+
+constexpr const char* typeFooter = R"(
+Each key is typed once the first page of the key before it is there. The command ends when nothing is outstanding.
+A key of digits is looked for in numbers and in names as a keypad types them, other keys in names; "" offers the
+recent calls. Keys that begin with a dash stand behind --.
+
+--json: one object per page on a line of its own, with request (from 1), key (as the page reports it: a late page
+reports it as it was searched), from, count, total, late, ms and rows; each row has name, number, extra1, extra2 and
+extra. With --trace, one more line per request follows at the end, {"trace": {...}}.
+
+Exit code: 0 every key got its page, 1 something failed, 2 usage error.)";
+
+constexpr const char* checkFooter = R"(
+Prints the sources in the order in which a phone with this file asks and lists them, then those that it does not ask,
+then for each line to correct "FILE:LINE: warning: ...", and for each that works but may surprise "FILE:LINE: note: ...".
+The order is the library's own: it reads the file as it does on a phone.
+
+--json: one object with file, error (null, or line, column and message; 0 where there is none to name), asked and
+notAsked (objects with line, id, label and enabled), warnings and notes (objects with line, code and message).
+
+Exit code: 0 no warnings, 1 warnings, 2 the phone reads no sources from the file, or usage error.)";
+
+// The command line without the program's name, last argument first, as CLI::App::parse takes it.
+std::vector<std::string> markedArguments(int argc, char** argv) {
+    std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
+    for (std::string& argument : arguments) {
+        if (argument.ends_with(']')) {
+            argument += asTypedMark;
+        }
+    }
+    std::reverse(arguments.begin(), arguments.end());
+    return arguments;
+}
+
+// For every option and positional that takes text.
+CLI::Validator asTyped() {
+    return CLI::Validator(
+        [](std::string& value) {
+            if (value.ends_with(std::string("]") + asTypedMark)) {
+                value.pop_back();
+            }
+            return std::string();
+        },
+        "");
+}
+
+void addRoot(CLI::App& parser, std::string& root) {
+    parser
+        .add_option("--root", root,
+                    "The phone's root folder, with config/data and config/contacts in it.\n"
+                    "Default: the environment variable WIDESEEK_ROOT, else the sample phone")
+        ->option_text("DIR")
+        ->envname("WIDESEEK_ROOT")
+        ->transform(asTyped());
+}
+
+void addPhone(CLI::App& parser, PhoneArguments& arguments) {
+    addRoot(parser, arguments.root);
+    parser
+        .add_option("--ldap-delay", arguments.ldapDelay,
+                    "Milliseconds after which the file answers that stands in for an LDAP server.\n"
+                    "Default: what the phone's configuration says")
+        ->option_text("MS")
+        ->check(CLI::Range(0, longestLdapDelay));
+    parser
+        .add_flag("--log", arguments.log,
+                  "Write the phone's log, each line with its level and module, to the standard error\n"
+                  "output; --log=FILE appends it to FILE")
+        ->option_text("[=FILE]")
+        ->transform(asTyped());
+}
+
+void addType(CLI::App& parser, TypeArguments& arguments) {
+    parser.add_option("KEY", arguments.keys, "The keys, as typed")->option_text(" ")->required()->transform(asTyped());
+    addPhone(parser, arguments.phone);
+    parser.add_option("--from", arguments.from, "Index of the first row wanted. Default: 0")->option_text("N");
+    parser.add_option("--count", arguments.count, "How many rows are wanted; 0: all. Default: 10")->option_text("N");
+    parser
+        .add_option("--pause", arguments.pause,
+                    "Milliseconds to wait before the next key; late pages come meanwhile. Default: 0")
+        ->option_text("MS")
+        ->check(CLI::Range(0, longestPause));
+    parser.add_flag("--trace", arguments.trace,
+                    "At the end, print for each request which source was asked, what it offered and how\n"
+                    "long it took");
+    parser.add_flag("--json", arguments.json, "Print one JSON object per page and nothing else");
+    parser.footer(typeFooter);
+}
+
+void addCheck(CLI::App& parser, CheckArguments& arguments) {
+    parser.add_option("FILE", arguments.file, "The source list. Default: the one of the phone's root")
+        ->option_text(" ")
+        ->transform(asTyped());
+    addRoot(parser, arguments.root);
+    parser.add_flag("--json", arguments.json, "Print one JSON object and nothing else");
+    parser.footer(checkFooter);
+}
+
+// What a newcomer can type on, or watch.
+std::string defaultCommand() {
+    return isatty(STDIN_FILENO) && isatty(STDOUT_FILENO) ? "phone" : "demo";
+}
+
+} // namespace
+
+std::variant<Command, int> readCommandLine(int argc, char** argv) {
+    CLI::App application("Contact search behind a phone's search box, on a workstation", "wideseek");
+    application.set_version_flag("--version", "wideseek " WIDESEEK_VERSION);
+    application.require_subcommand(1);
+
+    PhoneArguments phone;
+    CLI::App* phoneParser = application.add_subcommand("phone", "Show the phone's search screen on this terminal");
+    addPhone(*phoneParser, phone);
+    phoneParser->footer(phoneFooter);
+
+    PhoneArguments demo;
+    CLI::App* demoParser =
+        application.add_subcommand("demo", "Show the search at work on the sample phone, in a few seconds");
+    addPhone(*demoParser, demo);
+
+    TypeArguments type;
+    CLI::App* typeParser =
+        application.add_subcommand("type", "Type keys one after another and print each page of results");
+    addType(*typeParser, type);
+
+    CheckArguments check;
+    CLI::App* checkParser =
+        application.add_subcommand("check", "Explain a source list (wideseek.xml) and warn of mistakes in it");
+    addCheck(*checkParser, check);
+
+    try {
+        application.parse(argc > 1 ? markedArguments(argc, argv) : std::vector{defaultCommand()});
+    } catch (const CLI::ParseError& error) {
+        return application.exit(error) == 0 ? exitCode::success : exitCode::usage;
+    }
+    if (phoneParser->parsed()) {
+        return Command([phone] { return showPhone(phone); });
+    }
+    if (demoParser->parsed()) {
+        return Command([demo] { return showDemo(demo); });
+    }
+    if (typeParser->parsed()) {
+        return Command([type] { return typeKeys(type); });
+    }
+    return Command([check] { return checkFile(check); });
+}
+
+} // namespace wideseek
