@@ -12,7 +12,7 @@
 #   tests    all tests, built by GCC                          (test.sh)
 #   clang    all tests, built by Clang with its thread safety analysis
 #   asan     all tests, with AddressSanitizer, LeakSanitizer and UndefinedBehaviorSanitizer
-#   tsan     all tests, with ThreadSanitizer
+#   tsan     all tests that have threads, with ThreadSanitizer
 #   fuzz     each fuzz target for a few seconds
 #   run      everything builds for release, run.sh shows its demonstration, and has nothing to do the second time
 #
