@@ -8,6 +8,7 @@
 #   format   sources are as clang-format writes them          (check-format.sh)
 #   headers  headers stand alone; nobody includes across      (check-headers.sh)
 #   symbols  libWideseek.so shows and needs what it should    (check-symbols.sh)
+#   docs     what the documents name and show is so          (check-docs.py)
 #   lint     clang-tidy                                       (check-lint.sh)
 #   tests    all tests, built by GCC                          (test.sh)
 #   clang    all tests, built by Clang with its thread safety analysis
@@ -22,7 +23,7 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-checks=(format headers symbols lint tests clang asan tsan fuzz run)
+checks=(format headers symbols docs lint tests clang asan tsan fuzz run)
 by_name=(arm)
 
 # Builds a preset and runs its tests, but those that match a pattern. ThreadSanitizer cannot work where addresses are randomised as far as newer kernels
@@ -72,6 +73,7 @@ check_arm() {
 run_check() {
     case $1 in
     format | headers | symbols | lint) "scripts/check-$1.sh" ;;
+    docs) scripts/check-docs.py ;;
     tests) ./test.sh ;;
     clang | asan) test_preset "$1" ;;
     # What has one thread only stays out; where it plays two, its order of locks looks like theirs.
