@@ -200,6 +200,8 @@ Json measureSessions(const Options& options, std::size_t contacts, std::size_t& 
 Json measureCaller(const Population& population) {
     LivePhone phone(population);
     const auto times = phone.callerDuringSearch(everybody, callerRounds);
+    phone.type(everybody);
+    phone.type(everybody);
     Json result{{"rows", phone.page().total},
                 {"hand over", json(summaryOf(times.handOver))},
                 {"reset", json(summaryOf(times.reset))},

@@ -1,0 +1,78 @@
+#!/usr/bin/env bash
+# Measures the library and prints the tables of docs/performance.md: times, ratios, instructions, bytes. About ten
+# minutes on two cores; the machine should have nothing else to do.
+#
+#   scripts/bench.sh            everything
+#   scripts/bench.sh --write    the same, and writes the tables and the plot into docs/performance.md and .svg
+#   scripts/bench.sh --quick    a look, in about two minutes: fewer contacts, fewer keys, one turn each
+#
+# What is measured is kept in build/bench.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+results=build/bench
+programs=build/release
+contacts=(1000 10000 100000)
+typed=200
+least_time=0.2
+write=()
+
+for argument in "$@"; do
+    case $argument in
+    --quick) contacts=(1000 10000) typed=20 least_time=0.01 ;;
+    --write) write=(--write docs/performance.md docs/performance.svg) ;;
+    *)
+        sed -n '2,/^set/{/^#/s/^# \{0,1\}//p}' "$0" >&2
+        exit 2
+        ;;
+    esac
+done
+
+step() {
+    printf '%(%T)T  %s\n' -1 "$*" >&2
+}
+
+# The names of the workloads with as many contacts as one of the arguments.
+workloads() {
+    "$programs/wideseek_bench" --benchmark_list_tests | grep -E "/($(IFS='|' && echo "$*"))(/|$)"
+}
+
+# Runs one workload once and prints its name and the instructions of what it measures.
+count_instructions() {
+    local name=$1 out
+    out=$(mktemp)
+    if ! valgrind --tool=callgrind --toggle-collect='*measured_region*' --callgrind-out-file="$out" \
+        "$programs/wideseek_bench" --benchmark_filter="^$name\$" --benchmark_min_time=0 >"$out.log" 2>&1; then
+        cat "$out.log" >&2
+        return 1
+    fi
+    printf '%s %s\n' "$name" "$(sed -n 's/^\(totals\|summary\): //p' "$out" | head -n 1)"
+    rm -f "$out" "$out.log"
+}
+export -f count_instructions
+export programs
+
+mkdir -p "$results"
+scripts/install-deps.sh run bench
+scripts/build.sh release
+
+step "single workloads, timed"
+"$programs/wideseek_bench" --benchmark_filter="/($(IFS='|' && echo "${contacts[*]}"))(/|\$)" \
+    --benchmark_min_time="$least_time" --benchmark_out="$results/workloads.json" --benchmark_out_format=json \
+    >/dev/null 2>"$results/workloads.log" || { cat "$results/workloads.log" >&2 && exit 1; }
+
+step "single workloads, instructions counted"
+# They are the same whatever else runs, so as many at a time as there are cores.
+workloads "${contacts[@]}" | xargs -d '\n' -P "$(nproc)" -I{} bash -c 'count_instructions "$1"' _ {} |
+    sort >"$results/instructions.txt"
+
+step "typing sessions"
+"$programs/wideseek_session_bench" --contacts "${contacts[@]}" --typed "$typed" --json "$results/sessions.json" \
+    >"$results/sessions.txt"
+
+step "the library's size"
+cmake "-DSTRIP=$(command -v strip)" "-DLIBRARY=$programs/libWideseek.so" -P cmake/PrintStrippedSize.cmake \
+    >"$results/size.txt" 2>&1
+
+python3 scripts/bench/report.py "$results" "${write[@]}"
+step "done"
