@@ -15,7 +15,8 @@
 #   asan     all tests, with AddressSanitizer, LeakSanitizer and UndefinedBehaviorSanitizer
 #   tsan     all tests that have threads, with ThreadSanitizer
 #   fuzz     each fuzz target for a few seconds
-#   run      everything builds for release, run.sh shows its demonstration, and has nothing to do the second time
+#   run      everything builds for release, run.sh shows its demonstration, and has nothing to do the second time; a
+#            short typing session finds what other searches find
 #
 # By name only, as it fetches a compiler and an emulator:
 #
@@ -60,6 +61,7 @@ check_run() {
         printf 'run.sh has nothing to do the second time, yet it says:\n%s\n' "$words" >&2
         return 1
     fi
+    build/release/wideseek_session_bench --contacts 1000 --typed 5
 }
 
 check_arm() {

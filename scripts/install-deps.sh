@@ -17,7 +17,7 @@ declare -A packages=(
            libcli11-dev nlohmann-json3-dev libncurses-dev"
     [test]="libgtest-dev libgmock-dev slapd ldap-utils openssl tmux python3"
     [check]="clang clang-tidy clang-format libclang-rt-14-dev binutils"
-    [bench]="libbenchmark-dev libsqlite3-dev valgrind"
+    [bench]="libbenchmark-dev libsqlite3-dev valgrind binutils python3"
     [arm]="g++-arm-linux-gnueabihf qemu-user"
 )
 policy=/usr/sbin/policy-rc.d

@@ -42,7 +42,7 @@ def panel(left, title, value, sizes, searches):
     parts = [text(left + PANEL_WIDTH / 2, TOP - 18, title, style=' font-weight="bold"')]
     for exponent in range(low_x, high_x + 1):
         at = x(10**exponent)
-        parts += [line(at, TOP, at, bottom), text(at, bottom + 18, f"{10**exponent:,}")]
+        parts += [line(at, TOP, at, bottom), text(at, bottom + 20, f"{10**exponent:,}")]
     for exponent in range(low_y, high_y + 1):
         at = y(10**exponent)
         parts += [line(left, at, left + PANEL_WIDTH, at), text(left - 8, at + 4, label(10**exponent), "end")]
