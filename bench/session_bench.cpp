@@ -199,17 +199,19 @@ Json measureSessions(const Options& options, std::size_t contacts, std::size_t& 
 
 Json measureCaller(const Population& population) {
     LivePhone phone(population);
-    const auto times = phone.callerDuringSearch(everybody, callerRounds);
+    Json result;
+    const auto add = [&result](const char* when, const LivePhone::CallerTimes& times) {
+        result[when] = {{"hand over", json(summaryOf(times.handOver))},
+                        {"reset", json(summaryOf(times.reset))},
+                        {"detach", json(summaryOf(times.detach))}};
+        print(when, result[when]);
+    };
+    std::printf("the caller's thread while a full search runs, and at rest\n");
+    add("search", phone.callerDuringSearch(everybody, callerRounds));
+    add("rest", phone.callerAtRest(everybody, callerRounds));
     phone.type(everybody);
     phone.type(everybody);
-    Json result{{"rows", phone.page().total},
-                {"hand over", json(summaryOf(times.handOver))},
-                {"reset", json(summaryOf(times.reset))},
-                {"detach", json(summaryOf(times.detach))}};
-    std::printf("the caller's thread during a full search of %zu rows\n", phone.page().total);
-    for (const char* call : {"hand over", "reset", "detach"}) {
-        print("wideseek", {{call, result[call]}});
-    }
+    result["rows"] = phone.page().total;
     return result;
 }
 

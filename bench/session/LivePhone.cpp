@@ -137,24 +137,37 @@ std::vector<Nanoseconds> LivePhone::emptyRequests(std::size_t count) {
     return times;
 }
 
+void LivePhone::timeCalls(const std::string& key, CallerTimes& times) {
+    Screen other;
+    times.detach.push_back(timeOf([&] { Wideseek_ResetCallBack(&other); }));
+    times.reset.push_back(timeOf([] { Wideseek_ResetKey(); }));
+    times.handOver.push_back(timeOf([&] { request(key); }));
+}
+
+LivePhone::CallerTimes LivePhone::callerAtRest(const std::string& key, std::size_t rounds) {
+    CallerTimes times;
+    for (std::size_t round = 0; round < rounds; ++round) {
+        timeCalls(key, times);
+        await(key, [this] { return m_phone.isIdle(); });
+    }
+    return times;
+}
+
+// Each round comes in at another place of the search.
 LivePhone::CallerTimes LivePhone::callerDuringSearch(const std::string& key, std::size_t rounds) {
     begin();
     const Nanoseconds whole = type(key).work;
     m_phone.setTrace(&m_trace);
     CallerTimes times;
-    Screen other;
     for (std::size_t round = 0; round < rounds; ++round) {
         begin();
         request(key);
         std::this_thread::sleep_for(whole * round / rounds);
-        const bool before = m_trace.isWorking;
-        const Nanoseconds detach = timeOf([&] { Wideseek_ResetCallBack(&other); });
-        const Nanoseconds reset = timeOf([] { Wideseek_ResetKey(); });
-        const Nanoseconds handOver = timeOf([&] { request(key); });
-        if (before && m_trace.isWorking) {
-            times.detach.push_back(detach);
-            times.reset.push_back(reset);
-            times.handOver.push_back(handOver);
+        const CallerTimes before = times;
+        const bool wasWorking = m_trace.isWorking;
+        timeCalls(key, times);
+        if (!wasWorking || !m_trace.isWorking) {
+            times = before;
         }
         await(key, [this] { return m_phone.isIdle(); });
     }

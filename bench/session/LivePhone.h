@@ -34,13 +34,14 @@ public:
     // callback object, take by themselves.
     std::vector<Nanoseconds> emptyRequests(std::size_t count);
 
-    // How long the caller's thread is held up by what it may do while a search for key runs.
+    // How long the caller's thread is held up by what it may do, while a search for key runs and while none does.
     struct CallerTimes {
         std::vector<Nanoseconds> handOver; // Wideseek_SearchUnion
         std::vector<Nanoseconds> reset;    // Wideseek_ResetKey
         std::vector<Nanoseconds> detach;   // Wideseek_ResetCallBack, of an object that waits for no page
     };
     CallerTimes callerDuringSearch(const std::string& key, std::size_t rounds);
+    CallerTimes callerAtRest(const std::string& key, std::size_t rounds);
 
     // Told on the search thread when a source begins and when it ends to work. Not while a search runs.
     void watchSources(std::function<void(bool inSource)> watcher);
@@ -64,6 +65,7 @@ private:
     };
 
     void request(const std::string& key);
+    void timeCalls(const std::string& key, CallerTimes& times);
     void await(const std::string& key, const std::function<bool()>& finished);
     void useFiles();
 

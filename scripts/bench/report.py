@@ -92,9 +92,13 @@ def targets(data):
 
 def caller(data):
     calls = {"hand over": "`Wideseek_SearchUnion`", "reset": "`Wideseek_ResetKey`", "detach": "`Wideseek_ResetCallBack`"}
-    rows = [[label, time(data["caller"][call]["median"]), time(data["caller"][call]["percentile99"]),
-             time(data["caller"][call]["worst"])] for call, label in calls.items()]
-    return table([f"during a full search of {data['caller']['rows']:,} rows", "median", "99%", "slowest"], rows)
+    moments = {"search": f"during a full search of {data['caller']['rows']:,} rows", "rest": "at rest"}
+    rows = []
+    for moment, words in moments.items():
+        for call, label in calls.items():
+            times = data["caller"][moment][call]
+            rows.append([f"{label} {words}", *(time(times[part]) for part in ("median", "percentile99", "worst"))])
+    return table(["", "median", "99%", "slowest"], rows)
 
 
 def memory(data, size):
