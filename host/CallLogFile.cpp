@@ -130,13 +130,13 @@ void CallLogFile::add(LoggedCall call) {
 
 std::shared_ptr<const CallLogFile::Log> CallLogFile::current(std::string& error) {
     const auto fromFile = m_file.current(error);
-    if (!fromFile) {
-        return nullptr;
-    }
     auto log = std::make_shared<Log>();
     Calls calls;
     {
         const std::lock_guard lock(m_mutex);
+        if (!fromFile && m_added.empty()) {
+            return nullptr;
+        }
         if (m_log && m_log->fromFile == fromFile && m_log->added == m_added.size()) {
             return m_log;
         }
@@ -144,7 +144,9 @@ std::shared_ptr<const CallLogFile::Log> CallLogFile::current(std::string& error)
         log->added = m_added.size();
         calls = m_added;
     }
-    calls.insert(calls.begin(), fromFile->begin(), fromFile->end());
+    if (fromFile) {
+        calls.insert(calls.begin(), fromFile->begin(), fromFile->end());
+    }
     std::reverse(calls.begin(), calls.end());
     std::stable_sort(calls.begin(), calls.end(), [](const auto& a, const auto& b) { return a.time > b.time; });
     log->people = ContactIndex(distinctPeople(calls));

@@ -28,7 +28,7 @@ public:
     CallLogFile(std::filesystem::path path, ProblemSink problemSink);
 
     // Offers each name and number that was called or called here once, where its newest call stands. Nameless ones too.
-    // Fails when the file is not there or no call can be read from it. Any thread.
+    // Fails when the file is not there or no call can be read from it, unless calls were added. Any thread.
     bool search(const std::string& key, OxList<DirectorySearchData>& hits, std::string& error) override;
 
     // Outgoing calls, every one of them. Negative when search would fail. Any thread.
@@ -42,7 +42,7 @@ private:
 
     // The calls of the file with those that were added.
     struct Log {
-        std::shared_ptr<const Calls> fromFile;
+        std::shared_ptr<const Calls> fromFile; // null: it cannot be read
         std::size_t added = 0;
         ContactIndex people;
         Calls outgoing; // newest first
