@@ -95,7 +95,7 @@ CallLogFile::CallLogFile(std::filesystem::path path, ProblemSink problemSink)
 
 bool CallLogFile::search(const std::string& key, OxList<DirectorySearchData>& hits, std::string& error) {
     const auto log = current(error);
-    if (!log) {
+    if (!log || !log->fromFile) {
         return false;
     }
     log->people.appendMatches(key, hits);
@@ -112,6 +112,7 @@ int CallLogFile::outgoing(OxVector<GeneralDirItemData>& calls, int from, int cou
     if (!log) {
         return -1;
     }
+    error.clear();
     const std::size_t begin = std::min(static_cast<std::size_t>(from), log->outgoing.size());
     const std::size_t end = begin + std::min(static_cast<std::size_t>(count), log->outgoing.size() - begin);
     for (std::size_t i = begin; i < end; ++i) {

@@ -28,10 +28,10 @@ public:
     CallLogFile(std::filesystem::path path, ProblemSink problemSink);
 
     // Offers each name and number that was called or called here once, where its newest call stands. Nameless ones too.
-    // Fails when the file is not there or no call can be read from it, unless calls were added. Any thread.
+    // Fails when the file is not there or no call can be read from it. Any thread.
     bool search(const std::string& key, OxList<DirectorySearchData>& hits, std::string& error) override;
 
-    // Outgoing calls, every one of them. Negative when search would fail. Any thread.
+    // Outgoing calls, every one of them. Negative when the file cannot be read and no call was added. Any thread.
     int outgoing(OxVector<GeneralDirItemData>& calls, int from, int count, std::string& error) override;
 
     // Adds a call to what is answered from now on; the file stays as it is. The time is compared as text. Any thread.
