@@ -58,7 +58,7 @@ a failed answer is taken | WideseekActionSource.cpp | s/pAction->GetResultCode()
 an overtaken search counts as searched | WideseekActionSource.cpp | /::MyReSearch(/,/^}/s/MyForgetSearched();//
 a stopped search asks on | WideseekActionSource.cpp | s/if (MyIsStopped())/if (MyIsStopped() \&\& strKey.empty())/
 a stop leaves the search running | WideseekController.cpp | s/pController->m_pSearchAction->Stop();//
-a stop takes the controller away before the search ends | WideseekController.cpp | s/pController->m_pSearchAction->Stop();//; s/pController->MyFinal();/if (pController->m_pSearchAction != nullptr) pController->m_pSearchAction->Stop(); &/
+a stop takes the controller away before the search ends | WideseekController.cpp | s/pController->m_pSearchAction->Stop();//; s/pController->MyFinal();/if (pController->m_pSearchAction != nullptr) { pController->m_pSearchAction->Stop(); } &/
 a reload does not reach a running search | WideseekController.cpp | /const bool bRead/,/^}/s/    ResetKey();//
 disabled sources come first | WideseekModel.cpp | s/PRIORITY_DISABLED = 255/PRIORITY_DISABLED = 0/
 sources behind a disabled one take part | WideseekModel.cpp | /::GetEnableCfgList/,/^}/s/break;/continue;/
