@@ -1,33 +1,20 @@
-#!/usr/bin/env python3
+#!/usr/bin/env -S python3 -B
 """Runs the source list checker on small files: what it lists, what it warns of and where; and whether that is so."""
-import json, os, subprocess, sys, tempfile
-from pathlib import Path
+import json
 
-TOOL = os.environ["WIDESEEK_TOOL"]
+from checking import ROOT, expect, finish, list_sources, run, write
+
 KNOWN = ("local_directory_search", "calllog_search", "remote_directory_search", "ldap_search",
          "BroadSoft_directory_search", "Network_directory_search", "BroadSoft_UC_search")
-problems = []
-folder = tempfile.TemporaryDirectory()
-ROOT = Path(folder.name)
 FILE = ROOT / "config/data/wideseek.xml"
-FILE.parent.mkdir(parents=True)
-
-
-def expect(holds, what):
-    if not holds:
-        problems.append(what)
 
 
 def item(id, priority="1", enable="1", label="L", name="item"):
     return f'<{name} id_name="{id}" display_name="{label}" enable="{enable}" priority="{priority}"/>'
 
 
-def write(*lines, encoding="utf-8"):
-    FILE.write_bytes("\n".join(["<root_wideseek>", *lines, "</root_wideseek>"]).encode(encoding))
-
-
-def run(*arguments):
-    return subprocess.run([TOOL, *arguments], capture_output=True, text=True, timeout=60)
+def write_items(*lines, encoding="utf-8"):
+    write("data/wideseek.xml", "\n".join(["<root_wideseek>", *lines, "</root_wideseek>"]).encode(encoding))
 
 
 LOCAL, CALLS, REMOTE, LDAP = item(KNOWN[0]), item(KNOWN[1]), item(KNOWN[2], "300"), item(KNOWN[3], "4")
@@ -55,34 +42,33 @@ TABLE = [
 ]
 for encoding in "utf-8-sig", "utf-16":
     for lines, asked, warnings, notes in TABLE:
-        write(*lines, encoding=encoding)
-        ended = run("check", str(FILE), "--json")
+        write_items(*lines, encoding=encoding)
+        ended = run("check", FILE, "--json")
         report = json.loads(ended.stdout)
         told = [[f"{finding['line']} {finding['code']}" for finding in report[kind]] for kind in ("warnings", "notes")]
         expect([source["id"] for source in report["asked"]] == [KNOWN[i] if isinstance(i, int) else i for i in asked]
                and told == [warnings, notes] and ended.returncode == bool(warnings), f"{encoding} {lines}: {report}")
 
-write(item(KNOWN[0], "2", label="Zoë"), item("Calllog_Search"))
-text = run("check", "--root", str(ROOT))
-expect(text.stdout.splitlines()[1:3] == ["  1  L    Calllog_Search          line 3",
+write_items(item(KNOWN[0], "2", label="Zoë"), item("Calllog_Search"))
+text = run("check", "--root", ROOT).stdout.decode()
+expect(text.splitlines()[1:3] == ["  1  L    Calllog_Search          line 3",
                                          "  2  Zoë  local_directory_search  line 2"] and
-       f"{FILE}:3: warning: " in text.stdout and 'mean "calllog_search"?' in text.stdout, text.stdout)
+       f"{FILE}:3: warning: " in text and 'mean "calllog_search"?' in text, text)
 
 # What the phone reads nothing from: the place, and the exit code.
 for content, place in (("<root_wideseek>\n <item x=1/></root_wideseek>", ":2:10"), ("", ":1:1"),
                        ("<a><item/></a>", ":1:2"), ("<root_wideseek><itm/></root_wideseek>", ":1:2"), (None, "")):
     FILE.unlink() if content is None else FILE.write_text(content)
-    ended = run("check", str(FILE))
-    expect(ended.returncode == 2 and ended.stderr.startswith(f"{FILE}{place}: error: "), f"{content}: {ended}")
-    expect(json.loads(run("check", str(FILE), "--json").stdout)["error"]["message"], f"{content}: no error in JSON")
+    ended = run("check", FILE)
+    expect(ended.returncode == 2 and ended.stderr.decode().startswith(f"{FILE}{place}: error: "), f"{content}: {ended}")
+    expect(json.loads(run("check", FILE, "--json").stdout)["error"]["message"], f"{content}: no error in JSON")
 
 # The phone bears the checker out: every id that it knows is asked, and an unknown or repeated one holds the page back.
 for ids, asked, pages in ((KNOWN, 7, 1), ((*KNOWN[:3], "foo"), 3, 0), ((KNOWN[0], KNOWN[0]), 2, 0),
                           (("foo", KNOWN[3]), 1, 1)):
-    write(*(item(id, i) for i, id in enumerate(ids)))
-    typed = run("type", "--root", str(ROOT), "--trace", "--json", "zz").stdout
+    list_sources(*ids)
+    typed = run("type", "--root", ROOT, "--trace", "--json", "zz").stdout
     lines = [json.loads(line) for line in typed.splitlines()]
     expect(len(lines[-1]["trace"]["sources"]) == asked and len(lines) - 1 == pages, f"{ids}: {lines}")
 
-folder.cleanup()
-sys.exit("\n".join(problems) or 0)
+finish()

@@ -1,21 +1,13 @@
-#!/usr/bin/env python3
+#!/usr/bin/env -S python3 -B
 """Uses the phone's screen as a person does, in a real terminal (tmux): what is seen, and what is left behind."""
-import os, re, shlex, signal, subprocess, sys, tempfile, time, unicodedata
+import os, re, shlex, signal, subprocess, time
 from pathlib import Path
 
-TOOL = os.environ["WIDESEEK_TOOL"]
+from checking import ROOT, TOOL, column_of, expect, finish, list_sources, run, write
+
 LDAP_DELAY = 2500
 PATIENCE = 20
-problems = []
-folder = tempfile.TemporaryDirectory()
-ROOT = Path(folder.name)
 UP, DOWN, ENTER, ESCAPE = "Up", "Down", "Enter", "Escape"
-
-
-def write(file, *lines):
-    path = ROOT / "config" / file
-    path.parent.mkdir(parents=True, exist_ok=True)
-    path.write_text("\n".join(lines) + "\n")
 
 
 def tmux(*arguments):
@@ -36,22 +28,13 @@ def see(pattern, what):
     end = time.monotonic() + PATIENCE
     while not re.search(pattern, "\n".join(lines := screen()), re.M):
         if time.monotonic() > end:
-            sys.exit("\n".join([*problems, f"never seen: {what} ({pattern}); the screen:", *lines]))
+            finish(f"never seen: {what} ({pattern}); the screen:", *lines)
         time.sleep(0.02)
     return lines
 
 
 def cursor_row(lines):
     return next(((i, line) for i, line in enumerate(lines) if line.startswith("> ")), None)
-
-
-def expect(holds, what):
-    if not holds:
-        problems.append(what)
-
-
-def column_of(line, text):
-    return sum(1 + (unicodedata.east_asian_width(c) in "WF") for c in line[:line.index(text)])
 
 
 def see_before_ldap(pattern, what, *keys):
@@ -63,7 +46,7 @@ def see_before_ldap(pattern, what, *keys):
         lines = see(f"{pattern}|late page", what)
         if re.search(pattern, "\n".join(lines)):
             return lines
-    sys.exit(f"LDAP always came before {what}")
+    finish(f"LDAP always came before {what}")
 
 
 def children_of(pid):
@@ -74,16 +57,19 @@ def start(*words, terminal=""):
     press(text=f"clear; {terminal} {shlex.join([TOOL, *words])}; echo \"left:$?\" `stty -g | cksum`\n")
 
 
-sources = "local_directory_search", "ldap_search", "remote_directory_search"
-items = "".join(f'<item id_name="{source}" enable="1" priority="{i}"/>' for i, source in enumerate(sources, 1))
-write("data/wideseek.xml", f"<root_wideseek>{items}</root_wideseek>")
-write("data/phone.ini", "[features]", "FeaturesRecentCallEnable=1", "[ldap]", f"delay_ms={LDAP_DELAY}")
-header = "name,number1,number2,number3,extra"
-write("contacts/local_directory.csv", header, *(f"Local {i:02},5300{i:02},,,Leeds" for i in range(40)),
-      "渡辺渡辺渡辺渡辺渡辺渡辺渡辺渡辺渡辺渡辺渡辺渡辺,886001,,,京都", "Plain,886002,,,x", "Be\x07ll\x1b[1m,886003,,,x")
-write("contacts/ldap_directory.csv", header, *(f"Ldap {i:02},5301{i:02},,,Kyiv" for i in range(7)))
-write("contacts/remote_directory.csv", header, *(f"Remote {i:02},5302{i:02},,,Rome" for i in range(40)))
-write("contacts/call_log.csv", "time,direction,name,number,extra", "2026-01-02T10:00:00,out,Kim,771,then")
+list_sources("local_directory_search", "ldap_search", "remote_directory_search")
+write("data/phone.ini", f"[features]\nFeaturesRecentCallEnable=1\n[ldap]\ndelay_ms={LDAP_DELAY}\n")
+
+
+def write_contacts(source, *rows):
+    write(f"contacts/{source}_directory.csv", "\n".join(["name,number1,number2,number3,extra", *rows, ""]))
+
+
+write_contacts("local", *(f"Local {i:02},5300{i:02},,,Leeds" for i in range(40)),
+               "渡辺渡辺渡辺渡辺渡辺渡辺渡辺渡辺渡辺渡辺渡辺渡辺,886001,,,京都", "Plain,886002,,,x", "Be\x07ll\x1b[1m,886003,,,x")
+write_contacts("ldap", *(f"Ldap {i:02},5301{i:02},,,Kyiv" for i in range(7)))
+write_contacts("remote", *(f"Remote {i:02},5302{i:02},,,Rome" for i in range(40)))
+write("contacts/call_log.csv", "time,direction,name,number,extra\n2026-01-02T10:00:00,out,Kim,771,then\n")
 
 try:
     tmux("new-session", "-d", "-x", "80", "-y", "24", "env", f"WIDESEEK_ROOT={ROOT}", "LC_ALL=C", "PS1=ready> ", "sh")
@@ -166,9 +152,8 @@ try:
     see('"dumb".*shows no full screen; set TERM(.|\n)*left:1', "what to do about a dumb terminal")
     start("phone", terminal="TERM=no-such-type")
     see('"no-such-type".*is not known here; set TERM(.|\n)*left:1', "what to do about an unknown terminal")
-    nowhere = subprocess.run([TOOL, "phone"], stdin=subprocess.DEVNULL, capture_output=True, timeout=PATIENCE)
+    nowhere = run("phone", stdin=subprocess.DEVNULL)
     expect(nowhere.returncode == 1 and b"needs a terminal" in nowhere.stderr, f"without a terminal: {nowhere}")
 finally:
     subprocess.run(["tmux", "-S", str(ROOT / "socket"), "kill-server"], capture_output=True)
-    folder.cleanup()
-sys.exit("\n".join(problems) or 0)
+finish()

@@ -1,45 +1,25 @@
-#!/usr/bin/env python3
+#!/usr/bin/env -S python3 -B
 """Runs the tool as a person or a script does, on a small phone of its own: what it prints, says and ends with."""
-import json, os, signal, socket, subprocess, sys, tempfile, time, unicodedata
-from pathlib import Path
+import json, signal, socket, subprocess, time, unicodedata
 
-TOOL = os.environ["WIDESEEK_TOOL"]
+from checking import ROOT, TOOL, column_of, expect, finish, list_sources, run, write
+
 LDAP_DELAY = 300
-problems = []
-folder = tempfile.TemporaryDirectory()
-ROOT = Path(folder.name)
 
 
-def expect(holds, what):
-    if not holds:
-        problems.append(what)
-
-
-def write(file, content):
-    path = ROOT / "config" / file
-    path.parent.mkdir(parents=True, exist_ok=True)
-    path.write_bytes(content if isinstance(content, bytes) else content.encode())
-
-
-def list_sources(*sources):
-    items = (f'<item id_name="{source}" enable="1" priority="{i}"/>' for i, source in enumerate(sources, 1))
-    write("data/wideseek.xml", f"<root_wideseek>{''.join(items)}</root_wideseek>")
-
-
-def run(*arguments, command="type", root=ROOT, timeout=30):
-    return subprocess.run([TOOL, command, "--root", str(root), *arguments], capture_output=True, timeout=timeout)
+def type_keys(*arguments, root=ROOT, **options):
+    return run("type", "--root", root, *arguments, **options)
 
 
 def lines(*arguments):
-    return [json.loads(line) for line in run("--json", *arguments).stdout.splitlines()]
+    return [json.loads(line) for line in type_keys("--json", *arguments).stdout.splitlines()]
 
 
 def names(page):
     return [row["name"] for row in page["rows"]]
 
 
-SOURCES = "local_directory_search", "ldap_search", "calllog_search"
-list_sources(*SOURCES, "remote_directory_search")
+list_sources("local_directory_search", "ldap_search", "calllog_search", "remote_directory_search")
 write("data/phone.ini", f"[features]\nFeaturesRecentCallEnable=1\n[ldap]\nmode=embedded\ndelay_ms={LDAP_DELAY}\n")
 write("contacts/local_directory.csv",
       "name,number1,number2,extra\nJed,5301,5302,Leeds\n渡辺 53,53039,,Kyoto\n".encode() +
@@ -72,12 +52,12 @@ recent, = lines("--count", "1", "")
 expect((names(recent), recent["total"], recent["count"]) == (["Kim", "770"], 2, 10), f"empty key: {recent}")
 
 # Text for a terminal: names the file's faults once, columns straight however wide a character is, no control character.
-text = run("--trace", "5", "53")
+text = type_keys("--trace", "5", "53")
 out, err = text.stdout.decode(), text.stderr.decode()
 expect(text.returncode == 0 and err.count("local_directory.csv:4: ") == 1, f"not told once: {err}")
 expect("remote directory: " in err and "remote_directory.csv" in err, f"the missing file is not named: {err}")
 rows = [line for line in out.splitlines() if line.endswith(("Leeds", "Kyoto"))]
-columns = {sum(1 + (unicodedata.east_asian_width(c) == "W") for c in line[:line.index(" 530", 3)]) for line in rows}
+columns = {column_of(line, " 530", 3) for line in rows}
 expect(len(columns) == 1 and len(rows) >= 4, f"columns are not straight: {rows}")
 expect(not [c for c in out if c != "\n" and unicodedata.category(c) == "Cc"], "a control character is printed")
 traces = [trace["trace"] for trace in lines("--trace", "5", "53", "53") if "trace" in trace]
@@ -88,7 +68,7 @@ by_name = {source["source"]: source for source in traces[0]["sources"]}
 expect(by_name["LDAP"]["abandoned"] and not by_name["LDAP"]["answered"], "the first LDAP query goes on")
 remote = by_name["remote directory"]
 expect(remote["failed"] and "remote_directory.csv" in remote["problem"], f"a failure without its reason: {remote}")
-out = run("--trace", "5", "53", "53").stdout.decode()
+out = type_keys("--trace", "5", "53", "53").stdout.decode()
 for words in "given up for a newer key", "failed", "no source was asked", "6 rows in all":
     expect(words in out, f'the trace does not say "{words}":\n{out}')
 
@@ -100,23 +80,23 @@ for arguments, code, words in [
     (["--from", "-1", "53"], 1, "refused"), (["--count", "-1", "--json", "53"], 1, "refused"), ([], 2, "KEY"),
     (["--colour", "5"], 2, "--help"), (["--count", "x", "5"], 2, "--count"), (["--pause", "-1", "5"], 2, "--pause"),
     (["--log=/dev/null/no", "5"], 1, "/dev/null/no")]:
-    refused = run(*arguments)
+    refused = type_keys(*arguments)
     expect(refused.returncode == code and words in refused.stderr.decode() and b"rows" not in refused.stdout,
            f"{arguments}: {refused}")
-gone = run("5", root=ROOT / "no")
+gone = type_keys("5", root=ROOT / "no")
 expect(gone.returncode == 1 and b"no: no such folder; give a phone's root with --root" in gone.stderr, f"{gone}")
-bare = run("5", root=ROOT / "config")
+bare = type_keys("5", root=ROOT / "config")
 expect(bare.returncode == 0 and "wideseek.xml" in bare.stderr.decode(), f"a root without a source list: {bare}")
 with open("/dev/full", "w") as full:
-    lost = subprocess.run([TOOL, "type", "--root", ROOT, "5"], stdout=full, stderr=subprocess.DEVNULL)
+    lost = type_keys("5", capture_output=False, stdout=full, stderr=subprocess.DEVNULL)
     expect(lost.returncode == 1, "a full disk goes unnoticed")
-log = run("--log", "5").stderr.decode()
+log = type_keys("--log", "5").stderr.decode()
 expect(" info module 10: SearchUnion(strKey = 5)\n" in log, f"the log: {log}")
 
 # A server that accepts and stays silent works on a thread of its own; its failure is waited for all the same.
 with socket.create_server(("127.0.0.1", 0)) as silent:
     write("data/phone.ini", f"[ldap]\nmode=server\nurl=ldap://127.0.0.1:{silent.getsockname()[1]}\ntime_limit_ms=700\n")
-    asked = run("--trace", "--json", "53")
+    asked = type_keys("--trace", "--json", "53")
     ldap, = (s for s in json.loads(asked.stdout.splitlines()[-1])["trace"]["sources"] if s["source"] == "LDAP")
     told = "wideseek: LDAP: " in asked.stderr.decode()
     expect(ldap["failed"] and ldap["problem"] and told, f"a silent server: {asked}")
@@ -134,9 +114,8 @@ with subprocess.Popen([TOOL, "type", "--root", ROOT, "--json", "--pause", "1500"
     expect(running.wait(10) == 130 and time.monotonic() - start < 5, "Ctrl-C does not end it at once")
 
 start = time.monotonic()
-demo = subprocess.run([TOOL, "demo"], capture_output=True, timeout=60)
+demo = run("demo")
 expect(demo.returncode == 0 and not demo.stderr, f"the demonstration: {demo}")
 expect(b"late page" in demo.stdout and b"empty key" in demo.stdout, f"the demonstration shows less: {demo.stdout}")
 expect(time.monotonic() - start < 15, "the demonstration takes long")
-folder.cleanup()
-sys.exit("\n".join(problems) or 0)
+finish()
