@@ -1,6 +1,5 @@
 // The phone's messaging: reference counts, timers, task actions, memory, log, configuration messages.
 
-#include "host/FileWatch.h"
 #include "host/Phone.h"
 #include "platform/AppLog.h"
 #include "platform/BaseHelper.h"
@@ -8,14 +7,9 @@
 #include "platform/Directory.h"
 #include "platform/Ldap.h"
 #include "platform/TrackedMemory.h"
-#include "tests/support/Files.h"
 #include "tests/support/SteppedPhone.h"
 
-#include <atomic>
 #include <gtest/gtest.h>
-#include <string>
-#include <thread>
-#include <vector>
 
 namespace {
 
@@ -224,13 +218,13 @@ TEST_F(SteppedHost, AConfigurationChangeReachesEachRegisteredHandlerOnce) {
 }
 
 TEST_F(SteppedHost, ConfigurationValuesAreIntegersOfAnySectionAsTheFileStands) {
-    const auto file = root.path() / "config/data/phone.ini";
+    const char* file = "config/data/phone.ini";
     const auto value = [](const char* key) { return configParser_GetConfigInt(key); };
     EXPECT_EQ(value("A"), -1) << "no file";
     EXPECT_TRUE(phone->problems().empty()) << "which is no problem";
-    test::writeFile(file, "A = 1\n[features]\nB=-7 ; why\nC = 12x\nD =\nE=99999999999\nF=+3\n[other]\nB = -7\nG = 1\n"
-                          "[third]\nG = 2\nI = 4\n  2\nnonsense\nI = 43\nJ = " +
-                              std::string(300, '1') + "\nK = 5");
+    root.write(file, "A = 1\n[features]\nB=-7 ; why\nC = 12x\nD =\nE=99999999999\nF=+3\n[other]\nB = -7\nG = 1\n"
+                     "[third]\nG = 2\nI = 4\n  2\nnonsense\nI = 43\nJ = " +
+                         std::string(300, '1') + "\nK = 5");
     const std::pair<const char*, int> cases[] = {{"A", 1},  {"B", -7}, {"C", -1}, {"D", -1}, {"E", -1}, {"F", 3},
                                                  {"G", -1}, {"H", -1}, {"I", 42}, {"J", -1}, {"K", 5}};
     for (const auto& [key, expected] : cases) {
@@ -244,7 +238,7 @@ TEST_F(SteppedHost, ConfigurationValuesAreIntegersOfAnySectionAsTheFileStands) {
         EXPECT_NE(problems[i].find(reasons[i]), std::string::npos) << problems[i];
     }
     phone->setConfig("A", 5);
-    test::writeFile(file, "B = 8\n");
+    root.write(file, "B = 8\n");
     EXPECT_EQ(value("A"), 5);
     EXPECT_EQ(value("B"), 8);
     EXPECT_EQ(value("F"), -1);
@@ -260,25 +254,6 @@ TEST_F(SteppedHost, AnInterruptionComesInAtACallKnowsTheLocksAndIsNotInterrupted
     lock.Unlock();
     phone->setInterruption(nullptr);
     EXPECT_EQ(lines, (Lines{"1/6 in app_log with 1", "10/3 " + std::string(5000, 'x') + ", 7"}));
-}
-
-TEST(FileWatch, AChangeACreationAndARemovalAreEachReportedOnce) {
-    const test::TempRoot root;
-    const auto path = root.path() / "watched";
-    test::writeFile(root.path() / "aside", "1");
-    std::atomic<int> reports = 0;
-    const host::FileWatch watch(path, 1ms, [&] { ++reports; });
-    const std::function<void()> changes[] = {[&] { std::filesystem::rename(root.path() / "aside", path); },
-                                             [&] { std::filesystem::resize_file(path, 10); },
-                                             [&] { std::filesystem::remove(path); }};
-    for (int count = 1; count <= 3; ++count) {
-        changes[count - 1]();
-        for (int i = 0; i < 5000 && reports < count; ++i) {
-            std::this_thread::sleep_for(1ms);
-        }
-        std::this_thread::sleep_for(5ms); // for one too many
-        EXPECT_EQ(reports, count);
-    }
 }
 
 } // namespace

@@ -117,17 +117,6 @@ TEST_F(SteppedKernel, WhatAMessageHoldsIsLetGoOfUnlockedAndBeforeTheMessageCount
     EXPECT_EQ(pending, (std::vector<std::size_t>{1, 0, 0, 0}));
 }
 
-TEST_F(SteppedKernel, ServingEndsAsSoonAsItIsFinishedOrWhenTimeIsUp) {
-    post('a', Kernel::searchThread, 10ms);
-    post('b', Kernel::mainThread, 20ms);
-    post('c', Kernel::mainThread, 30ms);
-    EXPECT_TRUE(kernel.serveMain([&] { return order == "ab"; }, 1h));
-    EXPECT_FALSE(kernel.serveMain([] { return false; }, 9ms));
-    EXPECT_EQ(order + std::to_string(kernel.now() / 1ms), "ab29");
-    EXPECT_FALSE(kernel.serveMain([] { return false; }, host::Duration::max())) << "no overflow of the time";
-    EXPECT_EQ(order, "abc");
-}
-
 TEST_F(LiveKernel, WithdrawingWaitsForWhatRunsOnAnotherThread) {
     for (const bool byObject : {true, false}) {
         const host::Target target{byObject ? &object : nullptr, byObject ? nullptr : &object};

@@ -57,9 +57,9 @@ protected:
         EXPECT_TRUE(phone.isIdle());
         EXPECT_TRUE(Phone::outstanding().empty());
     }
-    int ask(const std::string& key) { return ask(key, *receiver); }
-    int ask(const std::string& key, Receiver& by) {
-        return Ldap_SearchAsync(key, 0, 9, &by, phone.kernel().findThread(host::Kernel::searchThread));
+    int ask(const std::string& key, Receiver* by = nullptr) {
+        return Ldap_SearchAsync(key, 0, 9, by != nullptr ? by : receiver.get(),
+                                phone.kernel().findThread(host::Kernel::searchThread));
     }
     void run(host::Duration by = 0ms) { phone.kernel().advance(by); }
     void answer(std::size_t query, std::list<NS_TA::LdapResultItem> rows = {}, bool succeeded = true) {
@@ -123,15 +123,15 @@ TEST_F(LdapModule, QueriesForDifferentCallbackObjectsTakeTurns) {
     Receiver other(answers);
     auto third = std::make_unique<Receiver>(answers);
     ask("a");
-    ask("w", *third);
-    ask("x", other);
-    ask("y", other); // in place of x, which still waited
+    ask("w", third.get());
+    ask("x", &other);
+    ask("y", &other); // in place of x, which still waited
     third.reset();
     answer(0);
     run();
     EXPECT_EQ(directory->calls, "a9 y9 ");
     ask("b");
-    ask("z", other); // behind b now, which does not wait any longer
+    ask("z", &other); // behind b now, which does not wait any longer
     EXPECT_EQ(directory->calls, "a9 y9 abandon b9 ");
     answer(2);
     run();

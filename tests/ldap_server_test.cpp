@@ -176,14 +176,6 @@ TEST(LdapServer, FastTypingIsAnsweredForTheLastKeyOnly) {
 
 TEST(LdapServer, NothingComesOnceAbandonHasReturned) {
     const auto directory = open(signedIn());
-    for (int i = 0; i < 50; ++i) {
-        const auto answers = std::make_unique<int>(0); // a later answer touches freed memory
-        directory->start({"person 0042", 1000}, [&count = *answers](const LdapAnswer&) { ++count; });
-        std::this_thread::sleep_for(std::chrono::microseconds(i % 2 * i * 40)); // so that some come in the middle
-        directory->abandon();
-        EXPECT_LE(*answers, 1);
-    }
-
     std::promise<void> entered;
     std::atomic<bool> left = false;
     directory->start({"person 0042", 1000}, [&](const LdapAnswer&) {
@@ -299,13 +291,11 @@ TEST(LdapSettings, MistakesAreNamedAndNoServerIsUsed) {
         return host::readServerLdapOptions(file, problems);
     };
     const auto good = read("starttls = on\nverify = off\nscope = one\nbind_dn = cn=me\npassword = p\n"
-                           "name_attributes = displayName , cn\nnumber_filter = (mobile=*%k*)\nsize_limit = 0\n"
-                           "time_limit_ms = 1500\n");
+                           "name_attributes = displayName , cn\nsize_limit = 0\ntime_limit_ms = 1500\n");
     ASSERT_TRUE(good) << testing::PrintToString(problems);
     EXPECT_TRUE(good->startTls && !good->verify && good->scope == host::LdapScope::one && good->sizeLimit == 0);
     EXPECT_EQ(good->timeLimit, 1500ms);
     EXPECT_THAT(good->nameAttributes, ElementsAre("displayName", "cn"));
-    EXPECT_EQ(good->numberFilter, "(mobile=*%k*)");
 
     const Rows mistakes = {"url = http://h",
                            "url = ldap://h/dc=x",

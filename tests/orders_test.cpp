@@ -4,6 +4,7 @@
 
 #include "tests/support/SteppedPhone.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -23,6 +24,7 @@ const std::vector<Contact> localPeople = {{"Ann", {"51"}}, {"Bob", {"5"}}, {"Gus
 const std::vector<Contact> remotePeople = {{"Eva", {"515"}}, {"Ann", {"51"}}};
 const std::vector<Contact> ldapPeople = {{"Mia", {"511"}}, {"Dora", {"59"}}, {"Bob", {"5"}}};
 
+// What key finds at these people.
 std::set<std::string> rowsFor(const std::string& key, const std::vector<std::vector<Contact>>& sources) {
     std::set<std::string> rows;
     for (const std::vector<Contact>& people : sources) {
@@ -35,25 +37,12 @@ std::set<std::string> rowsFor(const std::string& key, const std::vector<std::vec
     return rows;
 }
 
-enum class Event {
-    sameKey,
-    longerKey,
-    otherKey,
-    emptyKey,
-    sameKeyElsewhere, // with another callback object
-    reset,
-    reconfigure,
-    detach,
-    detachElsewhere,
-    stop,
-    ldapAnswers, // the answer is queued
-    timePasses,  // 100 ms
-    work,        // the search thread works what is first in its queue
-};
-
-constexpr std::array eventNames = {"same key",     "longer key",  "other key", "empty key",        "same key elsewhere",
-                                   "reset",        "reconfigure", "detach",    "detach elsewhere", "stop",
-                                   "LDAP answers", "time passes", "work"};
+using Event = std::string_view;
+const std::vector<Event> requests = {"same key", "longer key", "other key", "empty key", "same key elsewhere"};
+const std::vector<Event> deeds = {"reset", "reconfigure", "detach", "detach elsewhere", "stop"};
+constexpr Event ldapAnswers = "LDAP answers"; // its message is queued
+constexpr Event timePasses = "time passes";   // 100 ms
+constexpr Event works = "work";               // the search thread works what is first in its queue
 
 // The key that has been searched for, with LDAP's answer, before the first request is handed over; null: none.
 struct Beginning {
@@ -78,7 +67,10 @@ public:
         m_phone.phone.setTrace(this);
         m_phone.phone.setInterruption([this](std::string_view function) { onCall(function); });
         for (std::size_t i = 0; i < 2; ++i) {
-            m_screens[i].onPage = [this, i] { m_pages.emplace_back(i, m_screens[i].pages.back()); };
+            m_screens[i].onPage = [this, i] {
+                m_pages.at(m_arrived).screen = i;
+                m_pages.at(m_arrived++).data = m_screens[i].pages.back();
+            };
         }
     }
 
@@ -90,10 +82,12 @@ public:
     // One run: these events one after another, and others inside their platform calls. False when there were not so
     // many calls.
     bool run(const Beginning& beginning, const std::vector<Event>& events, std::vector<Inside> inside) {
-        const auto changes = [](Event event) { return event == Event::reconfigure || event == Event::stop; };
+        std::vector<Event> all = events;
+        for (const Inside& each : inside) {
+            all.push_back(each.event);
+        }
         begin(beginning,
-              std::any_of(events.begin(), events.end(), changes) ||
-                  std::any_of(inside.begin(), inside.end(), [&](const Inside& each) { return changes(each.event); }));
+              std::count(all.begin(), all.end(), "reconfigure") + std::count(all.begin(), all.end(), "stop"));
         m_inside = std::move(inside);
         request(m_firstKey, 0);
         for (const Event event : events) {
@@ -116,37 +110,34 @@ private:
         std::string key;
         std::size_t screen = 0;
         int count = 0;            // of rows, by which its pages are known
-        std::size_t sent = 0;     // pages when it was handed over
-        std::size_t answered = 0; // LDAP answers then
+        std::size_t answered = 0; // LDAP answers when it was handed over
+        bool left = false;        // its screen was detached since, or the search stopped
+        std::size_t pages = 0;
     };
 
-    struct Parting { // a detach, or a stop from everybody
-        std::optional<std::size_t> screen;
-        std::size_t sent = 0;
-        std::size_t requests = 0;
-
-        bool concerns(std::size_t who) const { return !screen || *screen == who; }
+    struct Page {
+        std::size_t newest = 0; // request when it was sent
+        bool left = false;      // the newest request then
+        std::size_t screen = 0; // that it came to
+        WideseekListData data{};
     };
 
-    // changes: the source list is read again in this run.
-    void begin(const Beginning& beginning, bool changes) {
+    // changes: how often the source list is read again in this run.
+    void begin(const Beginning& beginning, std::ptrdiff_t changes) {
         m_story = std::string("before: ") + (beginning.before ? beginning.before : "-") + ", first: " + beginning.first;
         m_firstKey = beginning.first;
         m_requests.clear();
-        m_partings.clear();
         m_pages.clear();
-        m_sent = m_answered = 0;
+        m_arrived = m_answered = 0;
         m_lastCount = 20;
         m_phone.log.clear();
-        m_phone.local->asked.clear();
-        m_phone.ldap->asked.clear();
         setList(listBefore);
         Wideseek_ResetKey();
         if (beginning.before) {
             request(beginning.before, 0);
             settle();
         }
-        setList(changes ? listAfter : listBefore);
+        setList(changes > 0 ? listAfter : listBefore);
         m_calls = 0;
     }
 
@@ -164,17 +155,18 @@ private:
     // ---- what is followed ----
 
     void onTrace(const host::TraceEvent& event) override {
-        m_sent += event.kind == host::TraceKind::pageSent ? 1U : 0U;
+        if (event.kind == host::TraceKind::pageSent) {
+            m_pages.push_back({.newest = m_requests.size() - 1, .left = m_requests.back().left});
+        }
         m_answered += event.kind == host::TraceKind::sourceAnswered && event.source == "LDAP" ? 1U : 0U;
         m_queued += event.kind == host::TraceKind::requestQueued ? 1 : 0;
-        if (event.kind == host::TraceKind::requestStarted) {
-            --(m_queuedForStopped > 0 ? m_queuedForStopped : m_queued);
-        }
+        m_queued -= event.kind == host::TraceKind::requestStarted && m_queued > 0 ? 1 : 0;
     }
 
     void onCall(std::string_view function) {
         if (m_handingOver && function == "TaskAction_ExecAction") {
-            handedOver(*std::exchange(m_handingOver, std::nullopt));
+            m_requests.push_back(*std::exchange(m_handingOver, std::nullopt));
+            m_requests.back().answered = m_answered;
         }
         ++m_calls;
         while (!m_inside.empty() && m_inside.front().call == m_calls) {
@@ -192,17 +184,11 @@ private:
     bool isPossible(Event event, std::string_view function) const {
         if (function == "SendMessageToCallingThread") {
             // Pages are posted with a lock held that all but LDAP take.
-            return event == Event::ldapAnswers;
+            return event == ldapAnswers;
         }
         // A stop waits for callers inside the search, and, when nothing else keeps the search alive, for the answer or
         // the expiry that is being worked.
-        return event != Event::stop || (!m_inCaller && (m_working == "request" || m_queued > 0));
-    }
-
-    void handedOver(Request request) {
-        request.sent = m_sent;
-        request.answered = m_answered;
-        m_requests.push_back(std::move(request));
+        return event != "stop" || (!m_inCaller && (m_working == "request" || m_queued > 0));
     }
 
     // ---- what happens ----
@@ -210,45 +196,51 @@ private:
     void request(const std::string& key, std::size_t screen) {
         const bool nested = !m_working.empty() || m_inCaller;
         Wideseek_PreInit(); // callers that need a controller wait while it is made: nobody comes in
-        const Request asked{key, screen, ++m_lastCount, 0, 0};
-        nested ? handedOver(asked) : void(m_handingOver = asked);
+        const Request asked{key, screen, ++m_lastCount, m_answered};
+        nested ? m_requests.push_back(asked) : void(m_handingOver = asked); // calls of a nested one are not interrupted
         const bool outer = std::exchange(m_inCaller, true);
         EXPECT_TRUE(Wideseek_SearchUnion(key, 0, asked.count, &m_screens[screen]));
         m_inCaller = outer;
     }
 
     void happen(Event event) {
-        const auto index = static_cast<std::size_t>(event);
-        m_story += std::string(", ") + eventNames[index];
-        if (event <= Event::sameKeyElsewhere) {
+        m_story.append(", ").append(event);
+        const auto asked = std::find(requests.begin(), requests.end(), event);
+        if (asked != requests.end()) {
             const std::array<std::string, 5> keys = {m_firstKey, m_firstKey + "1", "9", "", m_firstKey};
-            request(keys[index], event == Event::sameKeyElsewhere ? 1 : 0);
-        } else if (event == Event::reset) {
+            request(keys[static_cast<std::size_t>(asked - requests.begin())], event.ends_with("elsewhere") ? 1 : 0);
+        } else if (event == "reset") {
             Wideseek_ResetKey();
-        } else if (event == Event::reconfigure) {
+        } else if (event == "reconfigure") {
             ETL_MsgQueueHelper::msgObject message{0x10007, 52};
             NS_WS::CWideseekController::OnMessage(message);
-        } else if (event == Event::detach || event == Event::detachElsewhere) {
-            const std::size_t screen = event == Event::detach ? 0 : 1;
+        } else if (event.starts_with("detach")) {
+            const std::size_t screen = event == "detach" ? 0 : 1;
             Wideseek_ResetCallBack(&m_screens[screen]);
-            m_partings.push_back({screen, m_sent, m_requests.size()});
-        } else if (event == Event::stop) {
-            m_queuedForStopped += std::exchange(m_queued, 0);
+            leave([&](const Request& each) { return each.screen == screen; });
+        } else if (event == "stop") {
+            m_queued = 0;
             NS_WS::CWideseekController::ReleaseInstance();
-            m_partings.push_back({std::nullopt, m_sent, m_requests.size()});
-        } else if (event == Event::ldapAnswers && m_phone.ldap->isAsking()) {
+            leave([](const Request&) { return true; });
+        } else if (event == ldapAnswers && m_phone.ldap->isAsking()) {
             std::vector<Contact> people = ldapPeople;
             std::erase_if(
                 people, [&](const Contact& person) { return rowsFor(m_phone.ldap->asked.back(), {{person}}).empty(); });
             m_phone.ldap->answer(people);
-        } else if (event == Event::timePasses) {
+        } else if (event == timePasses) {
             m_phone.phone.kernel().moveTime(100ms);
-        } else if (event == Event::work) {
-            for (const host::ReadyMessage& message : m_phone.phone.kernel().ready()) {
-                if (message.thread == host::Kernel::searchThread) {
-                    return work(message);
-                }
-            }
+        } else if (event == works) {
+            const auto ready = m_phone.phone.kernel().ready();
+            const auto first = std::find_if(ready.begin(), ready.end(), [](const host::ReadyMessage& message) {
+                return message.thread == host::Kernel::searchThread;
+            });
+            first == ready.end() ? void() : work(*first);
+        }
+    }
+
+    void leave(const std::function<bool(const Request&)>& which) {
+        for (Request& each : m_requests) {
+            each.left = each.left || which(each);
         }
     }
 
@@ -262,7 +254,7 @@ private:
     void settle() {
         for (int round = 0; round < 2 || m_phone.ldap->isAsking(); ++round) {
             if (round > 1) {
-                happen(Event::ldapAnswers);
+                happen(ldapAnswers);
             }
             for (auto ready = m_phone.phone.kernel().ready(); !ready.empty(); ready = m_phone.phone.kernel().ready()) {
                 work(ready.front());
@@ -273,53 +265,30 @@ private:
 
     // ---- what must hold ----
 
-    void checkPages() const {
-        ASSERT_EQ(m_pages.size(), m_sent) << m_story;
-        std::vector<std::size_t> pagesOf(m_requests.size());
-        for (std::size_t i = 0; i < m_pages.size(); ++i) {
-            const std::size_t screen = m_pages[i].first;
-            const WideseekListData& page = m_pages[i].second;
-            const auto at = std::find_if(m_requests.begin(), m_requests.end(),
-                                         [&](const Request& each) { return each.count == page.iSearchCount; });
-            ASSERT_NE(at, m_requests.end()) << m_story;
-            const auto index = static_cast<std::size_t>(at - m_requests.begin());
-            ++pagesOf[index];
-            EXPECT_EQ(page.strKey, at->key) << m_story << ": key and position of two requests";
-            EXPECT_EQ(screen, at->screen) << m_story << ": a page that another one asked for";
-            EXPECT_TRUE(at + 1 == m_requests.end() || i < (at + 1)->sent)
-                << m_story << ": a page of an outranked request";
-            for (const Parting& parting : m_partings) {
-                EXPECT_FALSE(parting.concerns(screen) && index < parting.requests && i >= parting.sent)
-                    << m_story << ": a page after a detach or a stop";
-            }
-            checkRows(page);
+    void checkPages() {
+        ASSERT_EQ(m_pages.size(), m_arrived) << m_story;
+        for (const Page& page : m_pages) {
+            Request& request = m_requests[page.newest];
+            EXPECT_EQ(page.data.iSearchCount, request.count) << m_story << ": a page of an outranked request";
+            EXPECT_EQ(page.data.strKey, request.key) << m_story << ": key and position of two requests";
+            EXPECT_EQ(page.screen, request.screen) << m_story << ": a page that another one asked for";
+            EXPECT_FALSE(page.left) << m_story << ": a page after a detach or a stop";
+            EXPECT_LE(++request.pages, 1 + m_answered - request.answered) << m_story << ": a page too many";
+            checkRows(page.data);
         }
-        for (std::size_t i = 0; i < m_requests.size(); ++i) {
-            EXPECT_LE(pagesOf[i], 1 + m_answered - m_requests[i].answered) << m_story << ": a page too many";
-        }
-        const bool left = std::any_of(m_partings.begin(), m_partings.end(), [&](const Parting& parting) {
-            return parting.requests == m_requests.size() && parting.concerns(m_requests.back().screen);
-        });
-        EXPECT_TRUE(left || pagesOf.back() >= 1) << m_story << ": the newest request got no page";
+        EXPECT_TRUE(m_requests.back().left || m_requests.back().pages > 0) << m_story << ": no page for the newest one";
     }
 
     void checkRows(const WideseekListData& page) const {
         const std::set<std::string> least = rowsFor(page.strKey, {localPeople});
         const std::set<std::string> most = rowsFor(page.strKey, {localPeople, remotePeople, ldapPeople});
-        const std::set<std::string> rows = rowsIn(page);
-        EXPECT_EQ(rows.size(), page.listItem.size()) << m_story << ": listed twice in " << rowsOf(page);
+        const std::vector<std::string> list = rowsIn(page);
+        const std::set<std::string> rows(list.begin(), list.end());
+        EXPECT_EQ(rows.size(), list.size()) << m_story << ": listed twice in " << rowsOf(page);
         EXPECT_EQ(static_cast<int>(rows.size()), page.iTotalCount) << m_story;
         EXPECT_TRUE(std::includes(rows.begin(), rows.end(), least.begin(), least.end()) &&
                     std::includes(most.begin(), most.end(), rows.begin(), rows.end()))
             << m_story << ": missing or wrong rows: " << rowsOf(page);
-    }
-
-    static std::set<std::string> rowsIn(const WideseekListData& page) {
-        std::set<std::string> rows;
-        for (const WideseekItemData& row : page.listItem) {
-            rows.insert(row.strName + " " + row.strNumber);
-        }
-        return rows;
     }
 
     // After all that, a key finds what the sources of the list hold.
@@ -329,10 +298,10 @@ private:
         request("51", 0);
         settle();
         const bool remote = list.listItem.size() == listAfter.size();
-        EXPECT_EQ(rowsIn(m_pages.back().second),
-                  rowsFor("51", {localPeople, ldapPeople, remote ? remotePeople : std::vector<Contact>()}))
+        const auto right = rowsFor("51", {localPeople, ldapPeople, remote ? remotePeople : std::vector<Contact>()});
+        EXPECT_THAT(rowsIn(m_pages.back().data), testing::UnorderedElementsAreArray(right))
             << m_story << ", next search";
-        EXPECT_EQ(m_pages.back().second.iSearchCount, m_lastCount) << m_story << ", next search";
+        EXPECT_EQ(m_pages.back().data.iSearchCount, m_lastCount) << m_story << ", next search";
     }
 
     SteppedPhone m_phone{listBefore};
@@ -345,12 +314,10 @@ private:
     int m_calls = 0;
     std::vector<Request> m_requests;
     std::optional<Request> m_handingOver; // not handed over yet
-    std::vector<Parting> m_partings;
-    std::vector<std::pair<std::size_t, WideseekListData>> m_pages; // by screen
-    std::size_t m_sent = 0;
+    std::vector<Page> m_pages;            // as they were sent
+    std::size_t m_arrived = 0;
     std::size_t m_answered = 0;
     int m_queued = 0;
-    int m_queuedForStopped = 0;
     bool m_inCaller = false;
     std::string m_working; // the label of the message being worked
 };
@@ -359,14 +326,10 @@ TEST(Orders, OfWholeMessages) {
     World world;
     int runs = 0;
     for (const Beginning& beginning : beginnings) {
-        for (int second = 0; second <= static_cast<int>(Event::sameKeyElsewhere); ++second) {
-            for (int other = static_cast<int>(Event::reset); other <= static_cast<int>(Event::stop); ++other) {
-                std::vector<Event> events = {static_cast<Event>(second),
-                                             static_cast<Event>(other),
-                                             Event::ldapAnswers,
-                                             Event::timePasses,
-                                             Event::work,
-                                             Event::work};
+        for (const Event request : requests) {
+            for (const Event deed : deeds) {
+                std::vector<Event> events = {request, deed, ldapAnswers, timePasses, works, works};
+                std::sort(events.begin(), events.end());
                 do {
                     world.run(beginning, events, {});
                     ++runs;
@@ -382,24 +345,30 @@ TEST(Orders, OfWholeMessages) {
 TEST(Orders, OfPlatformCallsInsideMessages) {
     World world;
     int runs = 0;
-    const std::vector<std::vector<Event>> courses = {
-        {Event::work, Event::timePasses, Event::work, Event::ldapAnswers, Event::work},
-        {Event::work, Event::ldapAnswers, Event::work},
-    };
-    constexpr int interruptions = static_cast<int>(Event::ldapAnswers) + 1;
-    for (int i = 0; i < interruptions * interruptions * 8; ++i) {
-        const Beginning& beginning = beginnings[static_cast<std::size_t>(i % 4)];
-        const std::vector<Event>& course = courses[static_cast<std::size_t>(i / 4 % 2)];
-        const auto first = static_cast<Event>(i / 8 % interruptions);
-        const auto second = static_cast<Event>(i / 8 / interruptions);
-        const bool ldapIsAwaited = beginning.before == nullptr || beginning.first > std::string(beginning.before);
-        bool reached = (first < Event::reset || second < Event::reset) && (course == courses[0] || ldapIsAwaited);
-        for (int call = 1; reached; ++call) {
+    std::vector<Event> events = requests;
+    events.insert(events.end(), deeds.begin(), deeds.end());
+    events.push_back(ldapAnswers);
+    const auto everywhere = [&](const Beginning& beginning, const std::vector<Event>& course, Event first,
+                                Event second) {
+        bool reached = true;
+        for (int call = 1; reached && !HasFailure(); ++call) {
             bool reachedToo = true;
-            for (int later = call; reachedToo; ++later, ++runs) {
+            for (int later = call; reachedToo && !HasFailure(); ++later, ++runs) {
                 reachedToo = world.run(beginning, course, {{call, first}, {later, second}});
                 reached = later > call || reachedToo;
-                ASSERT_FALSE(HasFailure());
+            }
+        }
+    };
+    for (const Beginning& beginning : beginnings) {
+        const bool asksLdap = beginning.before == nullptr || beginning.first > std::string(beginning.before);
+        for (std::size_t i = 0; i < events.size() * events.size(); ++i) {
+            const std::size_t first = i / events.size();
+            const std::size_t second = i % events.size();
+            if (std::min(first, second) < requests.size()) {
+                everywhere(beginning, {works, timePasses, works, ldapAnswers, works}, events[first], events[second]);
+            }
+            if (std::min(first, second) < requests.size() && asksLdap) {
+                everywhere(beginning, {works, ldapAnswers, works}, events[first], events[second]);
             }
         }
     }

@@ -1,208 +1,103 @@
-// The search from key to page, with sources that answer at once.
+// The search by example, and what the oracle (Oracle.h) does not see: the operations that screens seldom use, buddies,
+// and what becomes of recent calls.
 
 #include "app/Gui/Logic/Wideseek/WideseekAction.h"
+#include "platform/Presence.h"
 #include "tests/support/SteppedPhone.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <climits>
+#include <map>
 
 namespace {
 
 using namespace test;
 
-const std::string localId = "local_directory_search";
-const std::string callsId = "calllog_search";
-const std::string remoteId = "remote_directory_search";
-const std::string broadId = "BroadSoft_directory_search";
-const std::string networkId = "Network_directory_search";
+constexpr const char* localId = "local_directory_search";
+constexpr const char* ldapId = "ldap_search";
+constexpr const char* remoteId = "remote_directory_search";
 
-TEST(FullSearch, ListsRowsInSourceOrderOnePerNumberWithoutDuplicates) {
-    SteppedPhone phone({remoteId, localId, "", broadId, networkId});
-    phone.local->contacts = {{"Ann", {"51", "", "53"}, "sales"}, {"Ann", {"51", "54", "51"}}, {"ann", {"51"}}};
-    phone.remote->contacts = {{"Bob", {"52", "52"}}, {"Ann", {"53", "59"}}, {"", {"5000"}}, {"J5", {}}};
-    phone.broad->contacts = {{"Bob", {"52 "}}, {"Ann", {"59"}}};
-    Screen screen;
-    phone.type("5", screen);
-    ASSERT_EQ(screen.count(), 1U);
-    EXPECT_EQ(screen.rows(), "Bob 52, Ann 53, Ann 59, Ann 51, Ann 54, ann 51, Bob 52 ");
-    const WideseekListData& page = screen.pages.back();
-    EXPECT_EQ(page.iTotalCount, 7);
-    EXPECT_EQ(page.strKey, "5");
-    const WideseekItemData& shared = *std::next(page.listItem.begin(), 3);
-    EXPECT_EQ(shared.strExtra2 + "|" + shared.strExtra1 + "|" + std::to_string(shared.iExtra), "sales||-1");
-    EXPECT_EQ(phone.broad->asked, (std::vector<std::string>{"5", "5"}))
-        << "once for each of the two ids that it serves";
+// "Ann 51; 5 0+10 of 2"
+std::string textOf(const WideseekListData& page) {
+    return rowsOf(page) + "; " + page.strKey + " " + std::to_string(page.iFromIndex) + "+" +
+           std::to_string(page.iSearchCount) + " of " + std::to_string(page.iTotalCount);
 }
 
-TEST(FullSearch, SourcesAreAskedWithTheConvertedKeyAndThePageReportsTheTypedOne) {
-    SteppedPhone phone({localId});
-    phone.local->contacts = {{"Ann", {"+49301234"}}};
-    Screen screen;
-    phone.type(" +49 (30) 12-34 ", screen);
-    EXPECT_EQ(phone.local->asked.back(), "49301234");
-    EXPECT_EQ(screen.rows(), "Ann +49301234");
-    EXPECT_EQ(screen.pages.back().strKey, " +49 (30) 12-34 ");
-}
-
-TEST(FullSearch, ASourceThatNobodyServesHoldsBackEveryPageThatTheOthersDoNotFill) {
-    for (const char* id : {"unknown_search", localId.c_str()}) {
-        SteppedPhone phone({localId, id});
-        phone.local->contacts = {{"Ann", {"51", "52"}}};
-        Screen screen;
-        phone.type("5", screen, 0, 3);
-        phone.run(1s);
-        EXPECT_EQ(screen.count(), 0U) << id;
-        phone.type("5", screen, 0, 3);
-        EXPECT_EQ(screen.rows(), "Ann 51, Ann 52") << "a repeat cuts what is there";
-        Wideseek_ResetKey();
-        phone.type("5", screen, 0, 2);
-        EXPECT_EQ(screen.count(), 2U) << id;
+struct LdapPhone : SteppedPhone {
+    LdapPhone() : SteppedPhone({localId, ldapId, remoteId}) {
+        local->contacts = {{"Ann", {"51", "", "52", "51"}, "sales"}};
+        remote->contacts = {{"Rob", {"59"}}, {"Ann", {"52", "53"}}};
     }
-}
-
-TEST(FullSearch, AFilledPageIsSentBeforeTheSourcesBehindItAreAsked) {
-    SteppedPhone phone({localId, remoteId});
-    phone.local->contacts = {{"Ann", {"51", "52"}}};
-    phone.remote->contacts = {{"Bob", {"53"}}};
+    std::string last() const { return screen.pages.empty() ? "-" : textOf(screen.pages.back()); }
     Screen screen;
-    std::size_t pagesBefore = 99;
-    phone.remote->meanwhile = [&] { pagesBefore = phone.phone.kernel().pending(); };
-    phone.type("5", screen, 0, 2);
-    EXPECT_EQ(pagesBefore, 2U) << "the page on its way, and this search";
-    ASSERT_EQ(screen.count(), 1U) << "one page per request";
-    EXPECT_EQ(screen.pages.back().iTotalCount, 2);
-    phone.type("5", screen, 2, 2);
-    EXPECT_EQ(screen.rows(), "Bob 53") << "the other source was asked all the same";
-    EXPECT_EQ(phone.local->asked.size(), 1U) << "a repeat asks nobody";
+};
+
+TEST(Search, GivesAPageWhenLdapHasHad100msAndOneMoreWithItsRowsLastWhenItAnswers) {
+    LdapPhone phone;
+    phone.type(" +5", phone.screen);
+    phone.run(99ms);
+    EXPECT_EQ(phone.last(), "-");
+    phone.run(1ms);
+    EXPECT_EQ(phone.last(), "Ann 51, Ann 52, Rob 59, Ann 53;  +5 0+10 of 4");
+    const WideseekItemData& row = phone.screen.pages.back().listItem.front();
+    EXPECT_EQ(row.strExtra1 + "|" + row.strExtra2 + "|" + std::to_string(row.iExtra), "|sales|-1");
+    phone.run(10s);
+    phone.answerLdap({{"Ann", {"51"}}, {"Lea", {"55"}}});
+    EXPECT_EQ(phone.last(), "Ann 51, Ann 52, Rob 59, Ann 53, Lea 55; 5 0+10 of 5");
+    phone.run(10s);
+    EXPECT_EQ(phone.screen.count(), 2U);
+    EXPECT_EQ(phone.local->asked, std::vector<std::string>{"5"});
 }
 
-TEST(Choice, RepeatNarrowingOrFullSearchAsTheKeysFollow) {
-    struct Step {
-        const char* key;
-        bool asks;
-        const char* rows;
-    };
-    const std::vector<Step> steps = {
-        {"1", true, "Ann 1, Bob 12, Cem 123"},
-        {"12", false, "Bob 12, Cem 123"},
-        {" 12 ", false, "Bob 12, Cem 123"},
-        {"123", false, "Cem 123"},
-        {"12", true, "Bob 12, Cem 123"},
-        {"2", true, "Ann 1, Bob 12, Cem 123"},
-        {"2x", false, ""},
-        {"a", true, "Ann 1"},
-        {"A", false, "Ann 1"},
-        {"an", false, "Ann 1"},
-        {"reset an", true, "Ann 1"},
-    };
-    SteppedPhone phone({localId});
-    phone.local->contacts = {{"Ann", {"1"}}, {"Bob", {"12"}}, {"Cem", {"123"}}};
-    Screen screen;
-    for (const Step& step : steps) {
-        std::string key = step.key;
-        if (key.starts_with("reset ")) {
-            Wideseek_ResetKey();
-            key = key.substr(6);
-        }
-        const std::size_t asked = phone.local->asked.size();
-        phone.type(key, screen);
-        EXPECT_EQ(phone.local->asked.size() - asked, step.asks ? 1U : 0U) << step.key;
-        EXPECT_EQ(screen.rows(), step.rows) << step.key;
-    }
-    EXPECT_EQ(screen.count(), steps.size());
-}
-
-TEST(Narrowing, DigitsLookAtAllNumbersAndTheKeypadNameTextAtTheNameAlone) {
-    SteppedPhone phone({localId, remoteId});
-    phone.local->contacts = {{"Jed", {"+491", "7"}}, {"Amy 53", {"1"}}, {"Zoe", {"99", "+5301"}}, {"Lu", {"58"}}};
-    phone.remote->contacts = {{"Lu", {"58", "533"}}};
-    Screen screen;
-    phone.type("5", screen, 0, 0);
-    EXPECT_EQ(screen.pages.back().iTotalCount, 7) << screen.rows();
-    phone.type("53", screen, 0, 0);
-    EXPECT_EQ(screen.rows(), "Jed +491, Jed 7, Amy 53 1, Zoe 99, Zoe +5301, Lu 533");
-    phone.type("53x", screen, 0, 0);
-    EXPECT_EQ(screen.rows(), "");
-    // What narrowing removed is no duplicate any more.
-    phone.type("58", screen, 0, 0);
-    EXPECT_EQ(screen.rows(), "Lu 58, Lu 533");
-}
-
-TEST(Paging, CutsTheSliceAndRefusesWhatIsNegativeWithoutOverflow) {
-    struct Slice {
-        int from;
-        int count;
-        int pages;
-        const char* rows;
-    };
-    const std::vector<Slice> slices = {
-        {0, 2, 1, "A 51, B 52"},
-        {2, 2, 1, "C 53, D 54"},
-        {3, 10, 1, "D 54"},
-        {4, 1, 1, ""},
-        {1, 0, 1, "B 52, C 53, D 54"},
-        {INT_MAX, INT_MAX, 1, ""},
-        {1, INT_MAX, 1, "B 52, C 53, D 54"},
-        {INT_MAX, 0, 1, ""},
-        {-1, 2, 0, ""},
-        {0, -1, 0, ""},
-        {INT_MIN, INT_MIN, 0, ""},
-        {INT_MAX, INT_MIN, 0, ""},
-        {0, 1, 1, "A 51"},
-    };
-    for (const bool fresh : {false, true}) {
-        SteppedPhone phone({localId, remoteId});
-        phone.local->contacts = {{"A", {"51"}}, {"B", {"52"}}};
-        phone.remote->contacts = {{"C", {"53"}}, {"D", {"54"}}};
-        Screen first;
-        phone.type("5", first, 0, 0);
-        for (const Slice& slice : slices) {
-            if (fresh) {
-                Wideseek_ResetKey();
-            }
-            Screen screen;
-            phone.type("5", screen, slice.from, slice.count);
-            ASSERT_EQ(screen.pages.size(), static_cast<std::size_t>(slice.pages)) << slice.from << " " << slice.count;
-            if (slice.pages == 1) {
-                // A page that its first source fills is sent before the other one is asked.
-                const bool early = fresh && slice.from < 2 && slice.from + static_cast<long long>(slice.count) <= 2 &&
-                                   slice.from + slice.count > 0;
-                const std::string rows = early && slice.count == 0 ? "B 52" : slice.rows;
-                EXPECT_EQ(screen.rows(), rows) << slice.from << " " << slice.count;
-                EXPECT_EQ(screen.pages.back().iFromIndex, slice.from);
-                EXPECT_EQ(screen.pages.back().iSearchCount, slice.count);
-                EXPECT_EQ(screen.pages.back().iTotalCount, early ? 2 : 4) << slice.from << " " << slice.count;
-            }
-        }
-    }
-}
-
-TEST(ResultData, IsThePageLastCutWhole) {
+TEST(Action, GivesThePageLastCutWhole) {
     SteppedPhone phone({localId});
     phone.local->contacts = {{"A", {"51"}}, {"B", {"52"}}};
     NS_WS::CWideseekAction* action = Wideseek_CreateSearchAction();
     ASSERT_NE(action, nullptr);
-    WideseekListData page = action->GetResultData();
-    EXPECT_EQ(page.strKey + std::to_string(page.iTotalCount) + std::to_string(page.iSearchCount), "00");
+    EXPECT_EQ(textOf(action->GetResultData()), ";  0+0 of 0");
     Screen screen;
-    const auto request = [&](const std::string& key, int from) {
+    {
         const NS_WS::CWideseekAction::CHandOver handOver(*action, &screen);
-        action->SetFromIndex(from);
+        action->SetFromIndex(1);
         action->SetSearchCount(1);
-        action->SetKey(key);
-    };
-    request("5", 1);
+        action->SetKey("5");
+    }
     EXPECT_EQ(action->GetResultData().iFromIndex, 0) << "a position without its key is shown to nobody";
     action->Exec();
-    page = action->GetResultData();
-    EXPECT_EQ(rowsOf(page) + " " + page.strKey + " " + std::to_string(page.iFromIndex) + " of " +
-                  std::to_string(page.iTotalCount),
-              "B 52 5 1 of 2");
+    EXPECT_EQ(textOf(action->GetResultData()), "B 52; 5 1+1 of 2");
     Wideseek_DestroySearchAction(action);
     Wideseek_DestroySearchAction(nullptr);
     Wideseek_DestroySearchCBAction(nullptr);
+}
+
+TEST(Action, LeavesNoOtherKeysRowsWhenARequestIsTakenBack) {
+    LdapPhone phone;
+    NS_WS::CWideseekAction* action = Wideseek_CreateSearchAction();
+    const auto request = [&](const std::string& key) {
+        const NS_WS::CWideseekAction::CHandOver handOver(*action, &phone.screen);
+        action->SetSearchCount(10);
+        action->SetKey(key);
+        return handOver.GetSerial();
+    };
+    request("5");
+    action->Exec();
+    phone.answerLdap({});
+    phone.phone.setInterruption([&](std::string_view function) {
+        if (function == "Ldap_SearchAsync") {
+            action->TakeBack(request("9"));
+        }
+    });
+    request("51");
+    action->Exec(); // breaks off narrowing
+    phone.phone.setInterruption(nullptr);
+    phone.answerLdap({});
+    EXPECT_EQ(phone.last(), "Ann 51, Ann 52, Rob 59, Ann 53; 5 0+10 of 4") << "the page before";
+    request("51");
+    action->Exec();
+    phone.answerLdap({});
+    EXPECT_EQ(phone.last(), "Ann 51, Ann 52; 51 0+10 of 2");
+    Wideseek_DestroySearchAction(action);
 }
 
 TEST(Parcel, CarriesACopyOfThePage) {
@@ -230,28 +125,113 @@ TEST(Parcel, CarriesACopyOfThePage) {
     Wideseek_DestroySearchCBAction(data);
 }
 
-TEST(Configuration, AChangeReloadsTheListAndTheNextKeyAsksTheNewSources) {
-    SteppedPhone phone({localId});
-    phone.local->contacts = {{"A", {"51"}}};
-    phone.remote->contacts = {{"B", {"52"}}};
-    Screen screen;
-    phone.type("5", screen);
-    phone.setSourceList(sourceListOf({remoteId, localId}));
-    phone.phone.announceConfigChange(51);
-    phone.run();
-    phone.type("5", screen);
-    EXPECT_EQ(screen.rows(), "A 51") << "another part of the configuration";
-    phone.phone.announceConfigChange(52);
-    phone.run();
-    phone.type("5", screen);
-    EXPECT_EQ(screen.rows(), "B 52, A 51");
-    EXPECT_EQ(std::count(phone.log.begin(), phone.log.end(), "Wideseek: begin to reload configure!"), 1);
-
+TEST(Configuration, AChangeOfItsOwnPartReloadsTheListAndAMissingFileLeavesNoSource) {
+    LdapPhone phone;
+    const auto rowsAfterChangeOf = [&](int part) {
+        phone.phone.announceConfigChange(part);
+        phone.run();
+        phone.type("59", phone.screen);
+        phone.run(1s);
+        return phone.screen.rows();
+    };
+    phone.setSourceList(sourceListOf({localId}));
+    EXPECT_EQ(rowsAfterChangeOf(51), "Rob 59");
+    EXPECT_EQ(rowsAfterChangeOf(52), "");
+    phone.local->contacts = {{"A", {"59"}}};
     std::filesystem::remove(phone.root.path() / "config/data/wideseek.xml");
-    phone.phone.announceConfigChange(52);
-    phone.run();
-    phone.type("5", screen);
-    EXPECT_EQ(screen.rows(), "");
+    EXPECT_EQ(rowsAfterChangeOf(52), "");
+    EXPECT_EQ(phone.local->asked.size(), 2U);
+    EXPECT_EQ(std::count(phone.log.begin(), phone.log.end(), "Wideseek: begin to reload configure!"), 2);
+}
+
+// ---- buddies ----
+
+class Buddies final : public CPresenceContactManager {
+public:
+    std::map<int, PresenceInfo> details;
+    std::list<int> found;
+    bool succeeds = true;
+
+    // The attributes: numbers, or other ones behind an "x".
+    void add(int id, const std::string& name, const std::vector<std::string>& attributes) {
+        PresenceInfo& info = details[id] = {"i1", name, "i2", "", 4, "", {}, true, "", id};
+        for (const std::string& value : attributes) {
+            info.listAttr.push_back({"", value, value.starts_with("x") ? 1 : 2});
+        }
+        found.push_back(id);
+    }
+    bool GetListByGroupId(ContactBuddyListData* pList, int& iState, int iGroupId, const std::string& strKey,
+                          AttrType eType) override {
+        EXPECT_EQ(std::to_string(iState) + std::to_string(iGroupId) + strKey + std::to_string(eType), "1053");
+        pList->listContactId = found;
+        return succeeds;
+    }
+    int GetContactDetail(PresenceInfo& info, PresenceType eType, int iFlag) override {
+        EXPECT_EQ(eType + iFlag, 2);
+        const auto it = details.find(info.iContactId);
+        info = it == details.end() ? info : it->second;
+        return it == details.end() ? 0 : 1;
+    }
+};
+
+TEST(Presence, GivesARowForEachOfTheFirstThreeNumbers) {
+    SteppedPhone phone({localId, "BroadSoft_UC_search"});
+    phone.local->contacts = {{"Known", {"51"}}};
+    Buddies buddies;
+    buddies.add(2, "Gap", {"", "55", "56", "57"});
+    buddies.add(1, "Four", {"51", "x", "52", "x5", "53", "54"});
+    buddies.found.push_back(77);
+    buddies.add(3, "Same", {"58", "58"});
+    buddies.add(4, "", {"59"});
+    buddies.add(5, "Known", {"51", "x5"});
+    Screen screen;
+    const auto search = [&](Buddies* manager) {
+        phone.phone.setPresence(manager);
+        Wideseek_ResetKey();
+        phone.type("5", screen, 0, 0);
+        return screen.rows();
+    };
+    EXPECT_EQ(search(&buddies), "Known 51, Gap 55, Gap 56, Four 51, Four 52, Four 53, Same 58");
+    const WideseekItemData& row = screen.pages.back().listItem.back();
+    EXPECT_EQ(row.strExtra1 + row.strExtra2 + std::to_string(row.iExtra), "i1i24");
+    EXPECT_EQ(search(nullptr), "Known 51") << "without a manager the source fails";
+    buddies.succeeds = false;
+    EXPECT_EQ(search(&buddies), "Known 51") << "rows of a failed query are not shown";
+}
+
+// ---- recent calls ----
+
+TEST(RecentCalls, AreOfferedWhenTheyAreOnAndTheirSourceSucceeds) {
+    SteppedPhone phone({});
+    phone.recent->list = {{"N", {"5"}, "x"}, {"", {"6"}}};
+    Screen screen;
+    const auto page = [&](int setting) {
+        phone.phone.setConfig("FeaturesRecentCallEnable", setting);
+        phone.type("  ", screen, 0, 4);
+        return textOf(screen.pages.back());
+    };
+    for (const int off : {0, 2, -1}) {
+        EXPECT_EQ(page(off), ";  0+4 of 0");
+    }
+    EXPECT_EQ(page(1), "N 5, 6 6;  0+10 of 2");
+    CallLogSearchListData direct{{{"old", "1"}}, 0, 3, 99};
+    EXPECT_TRUE(Wideseek_SearchRecentOutCall(&direct));
+    EXPECT_EQ(direct.listItem.size(), 3U) << "behind what was there";
+    EXPECT_EQ(direct.iTotalCount, 2);
+    phone.recent->fails = true;
+    EXPECT_EQ(page(1), ";  0+10 of 0");
+    EXPECT_FALSE(Wideseek_SearchRecentOutCall(&direct) || Wideseek_SearchRecentOutCall(nullptr));
+    EXPECT_EQ(direct.iTotalCount, 2);
+}
+
+TEST(RecentCalls, StayWhenTheTimerOfTheSearchBeforeThemExpires) {
+    LdapPhone phone;
+    phone.phone.setConfig("FeaturesRecentCallEnable", 1);
+    phone.type("5", phone.screen);
+    host::Phone::failAllocation(1);
+    phone.type("", phone.screen);
+    phone.run(1s);
+    EXPECT_EQ(phone.screen.count(), 0U) << "without memory for their page, an empty one in its place would be wrong";
 }
 
 } // namespace

@@ -1,12 +1,9 @@
 // The phone's string helpers: conversion of keys, matching, keypad forms and page bounds.
-#include "host/text/Find.h"
 #include "host/text/Fold.h"
 #include "platform/CommonAPI.h"
 
 #include <gtest/gtest.h>
-#include <utf8proc.h>
 
-#include <array>
 #include <limits>
 #include <random>
 
@@ -60,17 +57,6 @@ TEST(KeyConversion, FoldsCaseAndWidthTrimsBlanksAndKeepsOnlyTheDigitsOfPlainNumb
          Strings{"", "*21#", "++49", "4+9", "+", "()- .", "4-a", "1/2", "4 & 5", "٤", "4\0005"s}) {
         EXPECT_EQ(convert(key), key);
         EXPECT_EQ(CommonAPI_IsSearchByT9(key), key == "*21#") << key;
-    }
-}
-
-TEST(KeyConversion, ChangesNothingInAConvertedKey) {
-    constexpr int behindLetters = 0x33480; // what comes after them is unassigned, private, or invisible
-    for (int codePoint = 0; codePoint < behindLetters; ++codePoint) {
-        std::array<utf8proc_uint8_t, 4> bytes{};
-        const auto size = utf8proc_codepoint_valid(codePoint) ? utf8proc_encode_char(codePoint, bytes.data()) : 0;
-        const std::string letter(bytes.begin(), bytes.begin() + size);
-        const std::string key = convert("x" + letter + "y" + letter);
-        ASSERT_EQ(convert(key), key) << std::hex << codePoint;
     }
 }
 
@@ -136,23 +122,6 @@ TEST(Matching, OfALongerKeyImpliesThatOfItsBeginning) {
         }
     }
     EXPECT_GT(narrowed, 1'000) << "too few keys that turn from digits into text";
-}
-
-TEST(Finding, AgreesWithTheStandardLibraryAtEveryPlace) {
-    std::mt19937 random(4);
-    const auto bytes = [&](std::size_t size) {
-        std::string text;
-        while (text.size() < size) {
-            text += "\0\x80\xFF\x01"[random() % 4];
-        }
-        return text;
-    };
-    for (int i = 0; i < 200'000; ++i) {
-        const std::string hay = bytes(random() % 40);
-        const std::string needle = bytes(1 + random() % 4);
-        const std::size_t from = random() % 42;
-        ASSERT_EQ(host::text::findBytes(hay, needle, from), hay.find(needle, from));
-    }
 }
 
 TEST(PageBounds, NeverPassTheLargestIndexAndRefuseNegativeNumbers) {

@@ -201,13 +201,14 @@ void Oracle::askAll(const std::string& key) {
         if (id == "ldap_search") {
             askLdap(key);
         } else if (source != sources.end()) {
-            ask(source->second.name, key);
-            for (const Contact& contact : *source->second.contacts) {
+            const auto& [name, scripted] = source->second;
+            ask(name, key);
+            for (const Contact& contact : scripted->contacts) {
                 if (matches(contact, key)) {
                     add(*find(id), contact);
                 }
             }
-            find(id)->state = *source->second.fails ? State::failed : State::done;
+            find(id)->state = scripted->fails ? State::failed : State::done;
         }
         check(key, m.work.key);
     }
@@ -252,6 +253,9 @@ void Oracle::offerRecentCalls() {
         }
         for (long long i = m.work.from; i >= 0 && i < m.work.from + 10LL && i < total; ++i) {
             const Contact& call = calls[static_cast<std::size_t>(i)];
+            if (call.name.empty() && call.numbers[0].empty()) {
+                continue;
+            }
             rows += rowText(call.name.empty() ? call.numbers[0] : call.name, call.numbers[0], call.extra);
         }
     }

@@ -3,7 +3,7 @@
 // and number that is there already is dropped, keys are matched letter by letter, pages are sliced out.
 //
 //     Oracle oracle;
-//     oracle.sources["local_directory_search"] = {"local directory", &local->contacts, &local->fails};
+//     oracle.sources["local_directory_search"] = {"local directory", phone.local};
 //     oracle.file = {"local_directory_search"};
 //     oracle.handOver({"5", 0, 10, 1});  // what a caller does
 //     oracle.work();                     // a request's message ran
@@ -36,14 +36,8 @@ public:
         int screen = nobody;
     };
 
-    struct Source {
-        std::string name; // as it is traced
-        const std::vector<Contact>* contacts = nullptr;
-        const bool* fails = nullptr;
-    };
-
     // The phone.
-    std::map<std::string, Source> sources;
+    std::map<std::string, std::pair<std::string, std::shared_ptr<ScriptedSource>>> sources; // id, name in the trace
     std::vector<std::string> file; // the ids in the source list file
     std::vector<Contact> calls;    // outgoing
     bool recentCalls = false;

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <fstream>
 
@@ -35,26 +36,32 @@ bool ScriptedSource::search(const std::string& key, OxList<DirectorySearchData>&
     if (meanwhile) {
         meanwhile();
     }
+    const bool digits = CommonAPI_IsSearchByT9(key) != 0;
     const auto matches = [&](const std::string& field) {
         return CommonAPI_StringMatch(field, key, false, STRING_MATCH_CONTAINS) != 0;
     };
     for (const Contact& contact : contacts) {
-        bool hit = !CommonAPI_IsSearchByT9(key) && matches(contact.name);
-        if (CommonAPI_IsSearchByT9(key)) {
-            hit = matches(CommonUnits_ToKeyString(contact.name));
-            for (const std::string& number : contact.numbers) {
-                hit = hit || matches(CommonAPI_TrimString(number, "+", TRIM_TYPE_BOTH_ENDS));
-            }
-        }
-        if (hit) {
-            const auto number = [&](std::size_t i) {
-                return i < contact.numbers.size() ? contact.numbers[i] : std::string();
-            };
-            hits.PushBack({contact.name, number(0), number(1), number(2), contact.extra});
+        std::vector<std::string> numbers = contact.numbers;
+        numbers.resize(std::max<std::size_t>(numbers.size(), 3));
+        const bool byNumber = std::any_of(numbers.begin(), numbers.end(), [&](const std::string& number) {
+            return matches(CommonAPI_TrimString(number, "+", TRIM_TYPE_BOTH_ENDS));
+        });
+        if (digits ? byNumber || matches(CommonUnits_ToKeyString(contact.name)) : matches(contact.name)) {
+            hits.PushBack({contact.name, numbers[0], numbers[1], numbers[2], contact.extra});
         }
     }
     error = fails ? "scripted failure" : "";
     return !fails;
+}
+
+int ScriptedCalls::outgoing(OxVector<GeneralDirItemData>& calls, int from, int count, std::string& /*error*/) {
+    const int size = static_cast<int>(list.size());
+    for (int i = from; i < size && i - from < count; ++i) {
+        const Contact& call = list[static_cast<std::size_t>(i)];
+        calls.PushBack(new GeneralDirItemData{call.name, call.numbers[0], call.extra});
+    }
+    calls.PushBack(nullptr);
+    return fails ? -1 : size;
 }
 
 void ScriptedLdap::start(host::LdapQuery query, Done done) {
@@ -70,15 +77,18 @@ bool ScriptedLdap::answer(const std::vector<Contact>& contacts, bool succeeded) 
     if (!m_done) {
         return false;
     }
-    host::LdapAnswer result;
-    result.succeeded = succeeded;
+    std::exchange(m_done, nullptr)(ldapAnswerOf(contacts, succeeded));
+    return true;
+}
+
+host::LdapAnswer ldapAnswerOf(const std::vector<Contact>& contacts, bool succeeded) {
+    host::LdapAnswer answer{succeeded, {}, {}};
     for (const Contact& contact : contacts) {
         for (const std::string& number : contact.numbers) {
-            result.rows.push_back({contact.name, number});
+            answer.rows.push_back({contact.name, number});
         }
     }
-    std::exchange(m_done, nullptr)(std::move(result));
-    return true;
+    return answer;
 }
 
 void Screen::OnTaskActionCallback(NS_TA::CTaskAction* pAction) {
@@ -94,10 +104,18 @@ std::string Screen::rows() const {
     return pages.empty() ? "-" : rowsOf(pages.back());
 }
 
+std::vector<std::string> rowsIn(const WideseekListData& page) {
+    std::vector<std::string> rows;
+    for (const WideseekItemData& row : page.listItem) {
+        rows.push_back(row.strName + " " + row.strNumber);
+    }
+    return rows;
+}
+
 std::string rowsOf(const WideseekListData& page) {
     std::string text;
-    for (const WideseekItemData& row : page.listItem) {
-        text += (text.empty() ? "" : ", ") + row.strName + " " + row.strNumber;
+    for (const std::string& row : rowsIn(page)) {
+        text += (text.empty() ? "" : ", ") + row;
     }
     return text;
 }
@@ -127,6 +145,7 @@ SteppedPhone::SteppedPhone(const std::vector<std::string>& ids)
     phone.setSource(host::Source::remoteDirectory, remote);
     phone.setSource(host::Source::broadSoftDirectory, broad);
     phone.setLdap(ldap);
+    phone.setRecentCalls(recent);
     EXPECT_TRUE(Wideseek_PreInit());
 }
 
@@ -138,12 +157,8 @@ SteppedPhone::~SteppedPhone() {
     }
 }
 
-bool SteppedPhone::handOver(const std::string& key, Screen& screen, int from, int count) {
-    return Wideseek_SearchUnion(key, from, count, &screen);
-}
-
 void SteppedPhone::type(const std::string& key, Screen& screen, int from, int count) {
-    EXPECT_TRUE(handOver(key, screen, from, count));
+    EXPECT_TRUE(Wideseek_SearchUnion(key, from, count, &screen));
     run();
 }
 
@@ -151,8 +166,8 @@ void SteppedPhone::run(host::Duration by) {
     phone.kernel().advance(by);
 }
 
-void SteppedPhone::answerLdap(const std::vector<Contact>& contacts, bool succeeded) {
-    EXPECT_TRUE(ldap->answer(contacts, succeeded)) << "no query is running";
+void SteppedPhone::answerLdap(const std::vector<Contact>& contacts) {
+    EXPECT_TRUE(ldap->answer(contacts)) << "no query is running";
     run();
 }
 

@@ -57,6 +57,15 @@ public:
     bool search(const std::string& key, OxList<DirectorySearchData>& hits, std::string& error) override;
 };
 
+// The recent calls: each with its first number, and behind them none.
+class ScriptedCalls : public host::RecentCalls {
+public:
+    std::vector<Contact> list;
+    bool fails = false;
+
+    int outgoing(OxVector<GeneralDirItemData>& calls, int from, int count, std::string& error) override;
+};
+
 // Keeps the queries it is given; the test answers them when it likes.
 class ScriptedLdap : public host::LdapDirectory {
 public:
@@ -65,7 +74,7 @@ public:
     void start(host::LdapQuery query, Done done) override;
     void abandon() override;
 
-    // Answers the running query with a row per number. False when none runs.
+    // Answers the running query. False when none runs.
     bool answer(const std::vector<Contact>& contacts, bool succeeded = true);
     bool isAsking() const { return m_done != nullptr; }
 
@@ -88,11 +97,17 @@ public:
     std::size_t count() const { return pages.size(); }
 };
 
+// {"Ann 5311", "Bob 5322"}
+std::vector<std::string> rowsIn(const WideseekListData& page);
+
 // "Ann 5311, Bob 5322"
 std::string rowsOf(const WideseekListData& page);
 
 // A source list with these ids enabled, in this order.
 std::string sourceListOf(const std::vector<std::string>& ids);
+
+// An answer with a row per number.
+host::LdapAnswer ldapAnswerOf(const std::vector<Contact>& contacts, bool succeeded);
 
 class SteppedPhone {
 public:
@@ -107,18 +122,16 @@ public:
     std::shared_ptr<ScriptedSource> calls = std::make_shared<ScriptedSource>();
     std::shared_ptr<ScriptedSource> remote = std::make_shared<ScriptedSource>();
     std::shared_ptr<ScriptedSource> broad = std::make_shared<ScriptedSource>();
+    std::shared_ptr<ScriptedCalls> recent = std::make_shared<ScriptedCalls>();
     std::shared_ptr<ScriptedLdap> ldap = std::make_shared<ScriptedLdap>();
 
-    // Hands a request over without running anything.
-    bool handOver(const std::string& key, Screen& screen, int from = 0, int count = 10);
-
-    // Hands it over and runs what is due now.
+    // Hands a request over and runs what is due now.
     void type(const std::string& key, Screen& screen, int from = 0, int count = 10);
 
     // Runs what is due now, or within this time.
     void run(host::Duration by = 0ms);
 
-    void answerLdap(const std::vector<Contact>& contacts, bool succeeded = true);
+    void answerLdap(const std::vector<Contact>& contacts);
     void setSourceList(const std::string& xml);
 };
 
