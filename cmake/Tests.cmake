@@ -27,6 +27,6 @@ if(TARGET wideseek)
     set_tests_properties(
       ${name}
       PROPERTIES ENVIRONMENT "WIDESEEK_TOOL=$<TARGET_FILE:wideseek>;WIDESEEK_BUILD=${PROJECT_BINARY_DIR}"
-                 WORKING_DIRECTORY "${PROJECT_SOURCE_DIR}" TIMEOUT 300)
+                 WORKING_DIRECTORY "${PROJECT_SOURCE_DIR}" TIMEOUT 300 COST 20) # the longest ones first
   endforeach()
 endif()

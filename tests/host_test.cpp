@@ -1,5 +1,6 @@
 // The phone's messaging: reference counts, timers, task actions, memory, log, configuration messages.
 
+#include "host/FileWatch.h"
 #include "host/Phone.h"
 #include "platform/AppLog.h"
 #include "platform/BaseHelper.h"
@@ -9,7 +10,9 @@
 #include "platform/TrackedMemory.h"
 #include "tests/support/SteppedPhone.h"
 
+#include <atomic>
 #include <gtest/gtest.h>
+#include <thread>
 
 namespace {
 
@@ -254,6 +257,25 @@ TEST_F(SteppedHost, AnInterruptionComesInAtACallKnowsTheLocksAndIsNotInterrupted
     lock.Unlock();
     phone->setInterruption(nullptr);
     EXPECT_EQ(lines, (Lines{"1/6 in app_log with 1", "10/3 " + std::string(5000, 'x') + ", 7"}));
+}
+
+TEST(FileWatch, AChangeACreationAndARemovalAreEachReportedOnce) {
+    const test::TempRoot root;
+    const auto path = root.path() / "watched";
+    root.write("aside", "1");
+    std::atomic<int> reports = 0;
+    const host::FileWatch watch(path, 1ms, [&] { ++reports; });
+    const std::function<void()> changes[] = {[&] { std::filesystem::rename(root.path() / "aside", path); },
+                                             [&] { std::filesystem::resize_file(path, 10); },
+                                             [&] { std::filesystem::remove(path); }};
+    for (int count = 1; count <= 3; ++count) {
+        changes[count - 1]();
+        for (int i = 0; i < 5000 && reports < count; ++i) {
+            std::this_thread::sleep_for(1ms);
+        }
+        std::this_thread::sleep_for(5ms); // for one too many
+        EXPECT_EQ(reports, count);
+    }
 }
 
 } // namespace

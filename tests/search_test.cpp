@@ -27,7 +27,7 @@ std::string textOf(const WideseekListData& page) {
 struct LdapPhone : SteppedPhone {
     LdapPhone() : SteppedPhone({localId, ldapId, remoteId}) {
         local->contacts = {{"Ann", {"51", "", "52", "51"}, "sales"}};
-        remote->contacts = {{"Rob", {"59"}}, {"Ann", {"52", "53"}}};
+        remote->contacts = {{"Rob", {"59"}}, {"", {"58"}}, {"Ann", {"52", "53"}}};
     }
     std::string last() const { return screen.pages.empty() ? "-" : textOf(screen.pages.back()); }
     Screen screen;
