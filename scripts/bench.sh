@@ -13,13 +13,14 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 results=build/bench
 programs=build/release
 contacts=(1000 10000 100000)
+counted=(1000 10000)
 typed=200
-least_time=0.2
+least_time=0.05
 write=()
 
 for argument in "$@"; do
     case $argument in
-    --quick) contacts=(1000 10000) typed=20 least_time=0.01 ;;
+    --quick) contacts=(1000 10000) counted=(1000) typed=20 least_time=0.005 ;;
     --write) write=(--write docs/performance.md docs/performance.svg) ;;
     *)
         sed -n '2,/^set/{/^#/s/^# \{0,1\}//p}' "$0" >&2
@@ -32,16 +33,21 @@ step() {
     printf '%(%T)T  %s\n' -1 "$*" >&2
 }
 
-# The names of the workloads with as many contacts as one of the arguments.
-workloads() {
-    "$programs/wideseek_bench" --benchmark_list_tests | grep -E "/($(IFS='|' && echo "$*"))(/|$)"
+# The workloads that are compared, at these sizes.
+compared_workloads() {
+    local name against rest size
+    while read -r name against rest; do
+        for size in "$@"; do
+            printf '%s\n' "$name/$size" "$against/$size"
+        done
+    done <"$results/pairs.txt" | sort -u
 }
 
 # Runs one workload once and prints its name and the instructions of what it measures.
 count_instructions() {
     local name=$1 out
     out=$(mktemp)
-    if ! valgrind --tool=callgrind --toggle-collect='*measured_region*' --callgrind-out-file="$out" \
+    if ! valgrind --tool=callgrind --toggle-collect=measured_region --callgrind-out-file="$out" \
         "$programs/wideseek_bench" --benchmark_filter="^$name\$" --benchmark_min_time=0 >"$out.log" 2>&1; then
         cat "$out.log" >&2
         return 1
@@ -57,13 +63,14 @@ scripts/install-deps.sh run bench
 scripts/build.sh release
 
 step "single workloads, timed"
+"$programs/wideseek_bench" --pairs >"$results/pairs.txt"
 "$programs/wideseek_bench" --benchmark_filter="/($(IFS='|' && echo "${contacts[*]}"))(/|\$)" \
-    --benchmark_min_time="$least_time" --benchmark_out="$results/workloads.json" --benchmark_out_format=json \
+    --benchmark_min_time="$least_time" --benchmark_repetitions=3 --benchmark_out="$results/workloads.json" --benchmark_out_format=json \
     >/dev/null 2>"$results/workloads.log" || { cat "$results/workloads.log" >&2 && exit 1; }
 
 step "single workloads, instructions counted"
 # They are the same whatever else runs, so as many at a time as there are cores.
-workloads "${contacts[@]}" | xargs -d '\n' -P "$(nproc)" -I{} bash -c 'count_instructions "$1"' _ {} |
+compared_workloads "${counted[@]}" | xargs -d '\n' -P "$(nproc)" -I{} bash -c 'count_instructions "$1"' _ {} |
     sort >"$results/instructions.txt"
 
 step "typing sessions"

@@ -15,11 +15,6 @@ import plot
 SEARCHES = {"wideseek": "the library", "wideseek, all work": "the library, all work", "floor": "floor",
             "plain": "plain search", "fts5": "SQLite FTS5"}
 
-# Workload, what it is measured against, how many times as long it may take (None: it is there for the record).
-WORKLOADS = [("FullSearch", "PlainRows", 1.2), ("NarrowSome", "PlainNarrowSome", 1.3),
-             ("NarrowAll", "PlainNarrowAll", 1.3), ("PageCut", "PlainWalk", 1.5),
-             ("SourceSearchFew", "MemoryScanFew", 2), ("SourceSearchMany", "MemoryScanMany", 2)]
-
 
 def table(head, rows):
     """The first column is text, the others are numbers."""
@@ -116,7 +111,8 @@ def memory(data, size):
 
 
 def workloads(results):
-    times = {entry["name"]: entry for entry in json.loads((results / "workloads.json").read_text())["benchmarks"]}
+    measured = json.loads((results / "workloads.json").read_text())["benchmarks"]
+    times = {entry["run_name"]: entry for entry in measured if entry.get("aggregate_name") == "median"}
     counted = dict(line.rsplit(" ", 1) for line in (results / "instructions.txt").read_text().splitlines())
     units = {"ns": 1e-3, "us": 1, "ms": 1e3, "s": 1e6}
 
@@ -126,17 +122,18 @@ def workloads(results):
     def instructions(name):
         return int(counted.get(name) or 0)
 
-    rows = []
-    for workload, against, limit in WORKLOADS:
-        names = [name for name in times if name.partition("/")[0] == workload]
-        if not names:
-            sys.exit(f"report: wideseek_bench has no workload {workload}; bring the list in {__file__} up to date")
-        for name in names:
-            other = f"{against}/{name.split('/')[1]}"
+    rows, compared = [], set()
+    for pair in (results / "pairs.txt").read_text().splitlines():
+        workload, against, limit = pair.split()
+        limit = None if limit == "-" else float(limit)
+        compared |= {workload, against}
+        for name in (name for name in times if name.partition("/")[0] == workload):
+            other = name.replace(workload, against, 1)
             row = [f"{name} against {against}", time(took(name)), time(took(other)),
                    ratio(took(name) / took(other), limit)]
             mine, its = instructions(name), instructions(other)
             rows.append(row + ([f"{mine:,}", f"{its:,}", ratio(mine / its, limit)] if mine and its else ["", "", ""]))
+    rows += [[name, time(took(name)), *[""] * 5] for name in times if name.partition("/")[0] not in compared]
     return table(["workload", "time", "against", "ratio", "instructions", "against", "ratio"], rows)
 
 
