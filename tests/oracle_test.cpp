@@ -1,4 +1,4 @@
-// Random sessions against the oracle: every page that arrives is the oracle's.
+// Random sessions against the oracle: every page that arrives is the oracle's; and what narrowing finds.
 //
 // A failure prints the start value of its session and the last steps. This replays it, or runs one long session:
 //
@@ -14,6 +14,36 @@ namespace {
 long fromEnvironment(const char* name, long otherwise) {
     const char* text = std::getenv(name);
     return text ? std::strtol(text, nullptr, 10) : otherwise;
+}
+
+// Of sources that answer completely and share no names, so that who is asked first does not matter.
+TEST(Random, NarrowingFindsWhatSearchingAfreshFinds) {
+    std::mt19937_64 random(1);
+    const auto below = [&](int end) { return std::uniform_int_distribution<int>(0, end - 1)(random); };
+    test::SteppedPhone phone({test::allIds[0], test::allIds[2], test::allIds[1]});
+    test::Screen screen;
+    for (int round = 0; round < 300; ++round) {
+        char name = 'A';
+        for (const auto& source : {phone.local, phone.remote, phone.calls}) {
+            source->contacts.clear();
+            for (int i = below(5); i >= 0; --i) {
+                source->contacts.push_back({std::string(1, name++) + (below(2) ? "nna" : " Ann"), {}});
+                for (int numbers = below(4); numbers > 0; --numbers) {
+                    source->contacts.back().numbers.push_back(std::to_string(15 + below(8) * 51));
+                }
+            }
+        }
+        Wideseek_ResetKey();
+        std::string key;
+        while (key.size() < 4) {
+            key += round % 2 ? "156"[below(3)] : "an"[below(2)];
+            phone.type(key, screen, 0, 0);
+        }
+        const std::string narrowed = test::Oracle::textOf(screen.pages.back());
+        Wideseek_ResetKey();
+        phone.type(key, screen, 0, 0);
+        EXPECT_EQ(narrowed, test::Oracle::textOf(screen.pages.back()));
+    }
 }
 
 TEST(Random, EverySessionGetsThePagesOfTheOracle) {
