@@ -1,14 +1,16 @@
-# The benchmarks: wideseek_bench (bench/search_bench.cpp) measures single workloads of the library and its sources,
-# wideseek_session_bench (bench/session_bench.cpp, bench/session) whole typing sessions. Both share the rest of bench.
+# The benchmarks: wideseek_bench (bench/search_bench.cpp, bench/search) measures single workloads of the library and its
+# sources, wideseek_session_bench (bench/session_bench.cpp, bench/session) whole typing sessions. Both share the rest of
+# bench.
 
 file(GLOB shared CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/bench/*.cpp")
 list(FILTER shared EXCLUDE REGEX "_bench\\.cpp$")
+file(GLOB search CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/bench/search/*.cpp")
 file(GLOB session CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/bench/session/*.cpp")
 if(TARGET wideseek_objects AND TARGET wideseek_host)
   find_package(benchmark QUIET)
   find_package(SQLite3 QUIET)
   if(benchmark_FOUND AND SQLite3_FOUND)
-    add_executable(wideseek_bench "${PROJECT_SOURCE_DIR}/bench/search_bench.cpp" ${shared})
+    add_executable(wideseek_bench "${PROJECT_SOURCE_DIR}/bench/search_bench.cpp" ${search} ${shared})
     target_link_libraries(wideseek_bench PRIVATE wideseek_settings wideseek_objects wideseek_host benchmark::benchmark)
 
     add_executable(wideseek_session_bench "${PROJECT_SOURCE_DIR}/bench/session_bench.cpp" ${session} ${shared})

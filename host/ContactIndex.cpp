@@ -27,12 +27,14 @@ ContactIndex::ContactIndex(std::span<const DirectorySearchData> contacts) : m_co
 }
 
 void ContactIndex::append(std::size_t contact, OxList<DirectorySearchData>& hits) const {
-    const std::size_t first = contact * fieldsPerContact;
-    const auto field = [&](std::size_t i) {
-        const std::size_t begin = m_fields.begin(first + i);
-        return std::string(m_fields.bytes, begin, m_fields.ends[first + i] - begin);
-    };
-    hits.PushBack({field(0), field(1), field(2), field(3), field(4)});
+    DirectorySearchData& hit = hits.EmplaceBack();
+    std::size_t i = contact * fieldsPerContact;
+    std::size_t begin = m_fields.begin(i);
+    for (std::string* field : {&hit.strName, &hit.strNumber1, &hit.strNumber2, &hit.strNumber3, &hit.strExtra}) {
+        const std::size_t end = m_fields.ends[i++];
+        field->assign(m_fields.bytes, begin, end - begin);
+        begin = end;
+    }
 }
 
 void ContactIndex::appendMatches(std::string_view key, OxList<DirectorySearchData>& hits) const {

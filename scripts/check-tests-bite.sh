@@ -30,7 +30,9 @@ a reset leaves the last key | WideseekAction.cpp | /::ResetKey/,/^}/s/m_strLastK
 a reset does not reach a running search | WideseekAction.cpp | s/++m_uResets;//
 a key is marked as searched whatever was reset | WideseekAction.cpp | s/if (m_uFilledAt == m_uResets)/if (m_uFilledAt <= m_uResets)/
 every key narrows | WideseekAction.cpp | s/!strLastKey.empty() && strKey.compare/strKey.compare/
-what one source found is forgotten by the next | WideseekActionMerge.cpp | s/^    MyAddFilter(item, &place);//
+what one source found is forgotten by the next | WideseekActionMerge.cpp | s|^    MyAddFilter(item, true);||
+a row is looked for beside the last one only | WideseekActionMerge.cpp | s/^    return m_mapFilter.lower_bound(item);/    return it;/
+the filter forgets where it was looked at | WideseekActionResult.cpp | s/^    m_itFilter = m_mapFilter.end();//
 the second number's row shows the first one | WideseekActionMerge.cpp | s/Numbers{strNumber2, strNumber1, strNumber3}/Numbers{strNumber1, strNumber2, strNumber3}/
 a row forgets the contact's third number | WideseekActionMerge.cpp | s/Numbers{strNumber2, strNumber1, strNumber3}/Numbers{strNumber2, strNumber1, strNumber1}/
 calls without name and number are offered | WideseekActionRecent.cpp | s/(pCall->strName.empty() && pCall->strNumber.empty())/pCall->strExtra == "-"/

@@ -33,14 +33,17 @@ public:
     OxList& operator=(const OxList&) = delete;
 
     // Appends value.
-    void PushBack(T value) {
+    void PushBack(T value) { EmplaceBack() = std::move(value); }
+
+    // Appends an element as T constructs it and gives it out to be filled where it lies.
+    T& EmplaceBack() {
         auto* pNode = new _inner_node;
-        pNode->value = std::move(value);
         pNode->pPrev = m_pTail->pPrev;
         pNode->pNext = m_pTail;
         m_pTail->pPrev->pNext = pNode;
         m_pTail->pPrev = pNode;
         ++m_uCount;
+        return pNode->value;
     }
 
     // Frees all elements, the last one first.

@@ -30,6 +30,7 @@
 #include "platform/MsgQueueHelper.h"
 #include "platform/TaskAction.h"
 
+#include <cstddef>
 #include <list>
 #include <map>
 #include <string>
@@ -52,6 +53,10 @@ public:
         std::string strExtra1;  // passed through to the caller
         std::string strExtra2;
         int iExtra = -1;
+
+        ItemData() = default;
+        ItemData(const std::string& strTheName, const std::string& strTheNumber)
+            : strName(strTheName), strNumber(strTheNumber) {}
 
         // By name, then by number, byte by byte; nothing else takes part. This order is the duplicate rule.
         bool operator<(const ItemData& other) const;
@@ -157,6 +162,14 @@ private:
         unsigned long long uSerial = 0;
     };
 
+    // Rows to be filled, made some at a time: a bucket is walked the faster the closer together its rows lie.
+    struct SpareRows {
+        std::list<ItemData> listItem;
+        std::size_t uAtATime;
+    };
+
+    using Filter = std::map<ItemData, int>;
+
     // Called by the constructor, when nobody else knows the object. The lock is not taken: the controller makes the
     // action with its own lock held, which work with m_csWork held may wait for.
     bool MyInit() CH_REQUIRES(m_csWork);
@@ -194,27 +207,35 @@ private:
                              bool (*pQuery)(WideseekItemListData*)) CH_REQUIRES(m_csWork);
     bool MyReSearchLdap(std::string strKey, std::string strRawKey) CH_REQUIRES(m_csWork);
     bool MyReSearchUC(std::string strKey, const std::string& strRawKey) CH_REQUIRES(m_csWork);
-    void MyInsertBuddy(ResultData& bucket, const PresenceInfo& info) CH_REQUIRES(m_csWork);
+    void MyInsertBuddy(ResultData& bucket, SpareRows& spare, const PresenceInfo& info) CH_REQUIRES(m_csWork);
     ResultData* MyFindResultByType(const std::string& strType) CH_REQUIRES(m_csWork);
 
     // ---- rows and the filter (WideseekActionMerge.cpp) ----
 
-    using Filter = std::map<ItemData, int>;
+    // As many at a time as suits an answer of about uRows rows.
+    static SpareRows MyMakeSpareRows(std::size_t uRows);
+
+    // The next row. It may hold what a row that was not appended was filled with.
+    static ItemData& MySpareRow(SpareRows& spare);
 
     void MyInsertResult(ResultData* pBucket, OxList<DirectorySearchData>& hitList) CH_REQUIRES(m_csWork);
 
-    // pPlace: where the row stands in the filter or would stand, found by the one and used by the other, so that a row
-    // is looked up once.
-    bool MyIsFilterExist(const ItemData& item, Filter::const_iterator* pPlace = nullptr) const CH_REQUIRES(m_csWork);
-    bool MyAddFilter(const ItemData& item, const Filter::const_iterator* pPlace = nullptr) CH_REQUIRES(m_csWork);
+    // Appends a row for each number that is not empty. The next spare row holds what these rows have in common.
+    void MyAppendRows(ResultData& bucket, SpareRows& spare, const std::string& strNumber1,
+                      const std::string& strNumber2, const std::string& strNumber3) CH_REQUIRES(m_csWork);
+
+    // Appends the next spare row and adds it to the filter, unless the filter holds it.
+    void MyAppendRow(ResultData& bucket, SpareRows& spare) CH_REQUIRES(m_csWork);
+
+    bool MyIsFilterExist(const ItemData& item) const CH_REQUIRES(m_csWork);
+
+    // bAbsent: MyIsFilterExist has just said no.
+    bool MyAddFilter(const ItemData& item, bool bAbsent = false) CH_REQUIRES(m_csWork);
     bool MyRemoveFilter(const ItemData& item) CH_REQUIRES(m_csWork);
 
-    // Appends a row for each number that is not empty. item holds what the rows share; its strings are used up.
-    void MyAppendRows(ResultData& bucket, ItemData& item, const std::string& strNumber1, const std::string& strNumber2,
-                      const std::string& strNumber3) CH_REQUIRES(m_csWork);
-
-    // Appends the row unless the filter holds it, and adds it to the filter. bUseUp: its strings may be moved away.
-    void MyAppendRow(ResultData& bucket, ItemData& item, bool bUseUp) CH_REQUIRES(m_csWork);
+    // Where the row stands in the filter or would stand. The rows of one contact stand side by side, and so do contacts
+    // of a source that is sorted: where the last row stood is looked at first.
+    Filter::const_iterator MyFindInFilter(const ItemData& item) const CH_REQUIRES(m_csWork);
 
     // ---- pages (WideseekActionResult.cpp) ----
 
@@ -267,6 +288,9 @@ private:
     bool m_bStopped CH_GUARDED_BY(m_csRequest) = false;
     int m_iFromIndex CH_GUARDED_BY(m_csWork) = 0; // page position of the request being worked
     int m_iSearchCount CH_GUARDED_BY(m_csWork) = 0;
+
+    // Where the filter was looked at last.
+    mutable Filter::const_iterator m_itFilter CH_GUARDED_BY(m_csWork) = m_mapFilter.end();
 };
 
 } // namespace NS_WS

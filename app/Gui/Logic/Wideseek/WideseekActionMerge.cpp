@@ -3,11 +3,30 @@
 #include "app/Gui/Logic/Wideseek/WideseekAction.h"
 #include "platform/CommonAPI.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
+#include <iterator>
+#include <tuple>
 #include <utility>
 
 namespace NS_WS {
+
+namespace {
+
+// Enough for rows to lie close together, few enough to be made for nothing at the end of a source's answer.
+constexpr std::size_t MAX_SPARE_ROWS = 64;
+
+// What the rows of one contact have in common.
+void CopyShared(const CWideseekAction::ItemData& from, CWideseekAction::ItemData& to) {
+    to.strName = from.strName;
+    to.strNameKey = from.strNameKey;
+    to.strExtra1 = from.strExtra1;
+    to.strExtra2 = from.strExtra2;
+    to.iExtra = from.iExtra;
+}
+
+} // namespace
 
 bool CWideseekAction::ItemData::operator<(const ItemData& other) const {
     const int iName = strName.compare(other.strName);
@@ -18,20 +37,32 @@ void CWideseekAction::MyInsertResult(ResultData* pBucket, OxList<DirectorySearch
     if (pBucket == nullptr) {
         return;
     }
-    ItemData item;
+    SpareRows spare = MyMakeSpareRows(hitList.Count());
     for (auto* pNode = hitList.Begin(); pNode != hitList.End(); pNode = pNode->pNext) {
         DirectorySearchData& hit = pNode->value;
         if (hit.strName.empty()) {
             continue;
         }
-        item.strNameKey = CommonUnits_ToKeyString(hit.strName);
-        item.strName = std::move(hit.strName);
-        item.strExtra2 = std::move(hit.strExtra);
-        MyAppendRows(*pBucket, item, hit.strNumber1, hit.strNumber2, hit.strNumber3);
+        ItemData& row = MySpareRow(spare);
+        row.strNameKey = CommonUnits_ToKeyString(hit.strName);
+        row.strName = std::move(hit.strName);
+        row.strExtra2 = std::move(hit.strExtra);
+        MyAppendRows(*pBucket, spare, hit.strNumber1, hit.strNumber2, hit.strNumber3);
     }
 }
 
-void CWideseekAction::MyAppendRows(ResultData& bucket, ItemData& item, const std::string& strNumber1,
+CWideseekAction::SpareRows CWideseekAction::MyMakeSpareRows(std::size_t uRows) {
+    return {{}, std::clamp<std::size_t>(uRows, 1, MAX_SPARE_ROWS)};
+}
+
+CWideseekAction::ItemData& CWideseekAction::MySpareRow(SpareRows& spare) {
+    if (spare.listItem.empty()) {
+        spare.listItem.resize(spare.uAtATime);
+    }
+    return spare.listItem.front();
+}
+
+void CWideseekAction::MyAppendRows(ResultData& bucket, SpareRows& spare, const std::string& strNumber1,
                                    const std::string& strNumber2, const std::string& strNumber3) {
     struct Numbers {
         const std::string& strNumber;
@@ -41,56 +72,73 @@ void CWideseekAction::MyAppendRows(ResultData& bucket, ItemData& item, const std
     const std::array<Numbers, 3> arrNumbers = {Numbers{strNumber1, strNumber2, strNumber3},
                                                Numbers{strNumber2, strNumber1, strNumber3},
                                                Numbers{strNumber3, strNumber1, strNumber2}};
-    const std::size_t uRows = !strNumber3.empty() ? 3 : !strNumber2.empty() ? 2 : 1;
-    for (std::size_t i = 0; i < uRows; ++i) {
-        const Numbers& numbers = arrNumbers[i];
-        if (!numbers.strNumber.empty()) {
-            item.strNumber = numbers.strNumber;
-            item.strNumber2 = numbers.strOther1;
-            item.strNumber3 = numbers.strOther2;
-            MyAppendRow(bucket, item, i + 1 == uRows);
+    const ItemData* pLast = nullptr;
+    for (const Numbers& numbers : arrNumbers) {
+        if (numbers.strNumber.empty()) {
+            continue;
         }
+        ItemData& row = MySpareRow(spare);
+        // A row that was not appended is still the next one.
+        if (pLast != nullptr && pLast != &row) {
+            CopyShared(*pLast, row);
+        }
+        pLast = &row;
+        row.strNumber = numbers.strNumber;
+        row.strNumber2 = numbers.strOther1;
+        row.strNumber3 = numbers.strOther2;
+        MyAppendRow(bucket, spare);
     }
 }
 
-void CWideseekAction::MyAppendRow(ResultData& bucket, ItemData& item, bool bUseUp) {
-    Filter::const_iterator place;
-    if (MyIsFilterExist(item, &place)) {
+void CWideseekAction::MyAppendRow(ResultData& bucket, SpareRows& spare) {
+    const ItemData& item = spare.listItem.front();
+    if (MyIsFilterExist(item)) {
         return;
     }
-    MyAddFilter(item, &place);
-    if (bUseUp) {
-        bucket.listItem.push_back(std::move(item));
-    } else {
-        bucket.listItem.push_back(item);
-    }
+    bucket.listItem.splice(bucket.listItem.end(), spare.listItem, spare.listItem.begin());
+    MyAddFilter(item, true);
 }
 
-bool CWideseekAction::MyIsFilterExist(const ItemData& item, Filter::const_iterator* pPlace) const {
-    const auto place = m_mapFilter.lower_bound(item);
-    if (pPlace != nullptr) {
-        *pPlace = place;
-    }
-    return place != m_mapFilter.end() && !(item < place->first);
+bool CWideseekAction::MyIsFilterExist(const ItemData& item) const {
+    m_itFilter = MyFindInFilter(item);
+    return m_itFilter != m_mapFilter.end() && !(item < m_itFilter->first);
 }
 
-bool CWideseekAction::MyAddFilter(const ItemData& item, const Filter::const_iterator* pPlace) {
-    Filter::const_iterator place;
-    if (pPlace != nullptr) {
-        place = *pPlace;
-    } else if (MyIsFilterExist(item, &place)) {
+bool CWideseekAction::MyAddFilter(const ItemData& item, bool bAbsent) {
+    if (!bAbsent && MyIsFilterExist(item)) {
         return false;
     }
     // Name and number are all that the filter looks at, so the entry holds nothing else.
-    ItemData entry;
-    entry.strName = item.strName;
-    entry.strNumber = item.strNumber;
-    m_mapFilter.emplace_hint(place, std::move(entry), 1);
+    m_itFilter =
+        m_mapFilter.emplace_hint(m_itFilter, std::piecewise_construct,
+                                 std::forward_as_tuple(item.strName, item.strNumber), std::forward_as_tuple(1));
     return true;
 }
 
 bool CWideseekAction::MyRemoveFilter(const ItemData& item) {
-    return m_mapFilter.erase(item) != 0;
+    if (!MyIsFilterExist(item)) {
+        return false;
+    }
+    m_itFilter = m_mapFilter.erase(m_itFilter);
+    return true;
+}
+
+CWideseekAction::Filter::const_iterator CWideseekAction::MyFindInFilter(const ItemData& item) const {
+    auto it = m_itFilter;
+    if (it != m_mapFilter.end() && it->first < item) {
+        ++it;
+        if (it == m_mapFilter.end() || !(it->first < item)) {
+            return it;
+        }
+        return m_mapFilter.lower_bound(item);
+    }
+    for (int iSteps = 0; iSteps < 2; ++iSteps) {
+        if (it == m_mapFilter.begin() || std::prev(it)->first < item) {
+            return it;
+        }
+        --it;
+    }
+    return m_mapFilter.lower_bound(item);
 }
 
 } // namespace NS_WS

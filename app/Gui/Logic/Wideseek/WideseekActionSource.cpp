@@ -140,23 +140,24 @@ bool CWideseekAction::MyReSearchUC(std::string strKey, const std::string& /*strR
     CPresenceContactManager* pManager = CPresenceContactManager::GetInstance();
     const bool bFound =
         pManager != nullptr && pManager->GetListByGroupId(&buddies, iState, 0, strKey, ATTR_TYPE_SEARCH);
+    SpareRows spare = MyMakeSpareRows(buddies.listContactId.size());
     for (const int iContactId : buddies.listContactId) {
         PresenceInfo info;
         info.iContactId = iContactId;
         pManager = CPresenceContactManager::GetInstance();
         if (pManager != nullptr && pManager->GetContactDetail(info, PRESENCE_TYPE_BUDDY, 0) != 0) {
-            MyInsertBuddy(*pBucket, info);
+            MyInsertBuddy(*pBucket, spare, info);
         }
     }
     pBucket->iState = bFound ? RESULT_STATE_DONE : RESULT_STATE_FAILED;
     return bFound;
 }
 
-void CWideseekAction::MyInsertBuddy(ResultData& bucket, const PresenceInfo& info) {
+void CWideseekAction::MyInsertBuddy(ResultData& bucket, SpareRows& spare, const PresenceInfo& info) {
     if (info.strName.empty()) {
         return;
     }
-    ItemData item;
+    ItemData& item = MySpareRow(spare);
     item.strName = info.strName;
     item.strExtra1 = info.strInfo1;
     item.strExtra2 = info.strInfo2;
@@ -173,7 +174,7 @@ void CWideseekAction::MyInsertBuddy(ResultData& bucket, const PresenceInfo& info
             arrNumber[uCollected++] = attribute.strValue;
         }
     }
-    MyAppendRows(bucket, item, arrNumber[0], arrNumber[1], arrNumber[2]);
+    MyAppendRows(bucket, spare, arrNumber[0], arrNumber[1], arrNumber[2]);
 }
 
 CWideseekAction::ResultData* CWideseekAction::MyFindResultByType(const std::string& strType) {
@@ -206,12 +207,13 @@ void CWideseekAction::OnTaskActionCallbackLdap(NS_TA::CLdapAction* pAction) {
         pBucket->iState = RESULT_STATE_FAILED;
         return;
     }
-    ItemData item;
+    SpareRows spare = MyMakeSpareRows(pAction->GetResultList().size());
     for (const NS_TA::LdapResultItem& result : pAction->GetResultList()) {
         if (!result.strNumber.empty()) {
+            ItemData& item = MySpareRow(spare);
             item.strName = result.strName;
             item.strNumber = result.strNumber;
-            MyAppendRow(*pBucket, item, true);
+            MyAppendRow(*pBucket, spare);
         }
     }
     MyRestoreCallback();

@@ -1,0 +1,41 @@
+#include "bench/search/SourceWorkloads.h"
+
+#include "bench/People.h"
+#include "host/ContactMatch.h"
+
+#include <cstring>
+#include <utility>
+
+namespace bench {
+
+SourceSearch::SourceSearch(std::size_t contacts, std::string key)
+    : m_index(makePeople(contacts)), m_key(std::move(key)) {
+}
+
+void SourceSearch::run() {
+    OxList<DirectorySearchData> hits;
+    m_index.appendMatches(m_key, hits);
+    m_hits = hits.Count();
+}
+
+MemoryScan::MemoryScan(std::size_t contacts, std::string key) : m_key(std::move(key)) {
+    for (const DirectorySearchData& person : makePeople(contacts)) {
+        if (host::MatchKey(m_key).digits) {
+            host::appendDigitForms(person, m_bytes);
+        } else {
+            host::appendNameForm(person, m_bytes);
+        }
+    }
+}
+
+void MemoryScan::run() {
+    m_places = 0;
+    const char* at = m_bytes.data();
+    const char* const end = at + m_bytes.size();
+    while (const void* found = memmem(at, static_cast<std::size_t>(end - at), m_key.data(), m_key.size())) {
+        ++m_places;
+        at = static_cast<const char*>(found) + 1;
+    }
+}
+
+} // namespace bench
