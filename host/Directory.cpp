@@ -61,7 +61,9 @@ bool search(Source which, std::string_view sourceName, const std::string& functi
         return source.search(data->strKey, data->listResult, error);
     });
     event.kind = TraceKind::sourceAnswered;
-    count(event, data->listResult, before);
+    if (phone->isTraced()) {
+        count(event, data->listResult, before);
+    }
     if (!succeeded) {
         reportFailure(*phone, event, error);
     }

@@ -161,7 +161,10 @@ bool PresenceFile::GetListByGroupId(ContactBuddyListData* pList, int&, int, cons
 }
 
 int PresenceFile::GetContactDetail(PresenceInfo& info, PresenceType, int) {
-    const auto buddies = current();
+    auto buddies = m_file.lastRead();
+    if (!buddies) {
+        buddies = current();
+    }
     if (!buddies) {
         return 0;
     }

@@ -1,7 +1,7 @@
 // What is made of a file, made again when the file changes.
 //
-// Every look at it asks the file system once whether the file is still the same. One thread at a time makes it anew;
-// meanwhile the others are given what was made before, and wait only when there is nothing yet.
+// Every look at what it holds now asks the file system once whether the file is still the same. One thread at a time
+// makes it anew; meanwhile the others are given what was made before, and wait only when there is nothing yet.
 #pragma once
 
 #include "host/FileText.h"
@@ -50,6 +50,13 @@ public:
             error = loaded->made.error;
         }
         return loaded->made.content;
+    }
+
+    // What current gave last, for the many small questions that belong to one search: the file system is not asked. Any
+    // thread.
+    std::shared_ptr<const Content> lastRead() const {
+        const std::shared_ptr<const Loaded> loaded = latest();
+        return loaded ? loaded->made.content : nullptr;
     }
 
 private:
