@@ -40,10 +40,8 @@ int CommonAPI_StringMatch(const std::string& strText, const std::string& strKey,
 }
 
 std::string CommonUnits_ToKeyString(const std::string& strName) {
-    const std::string name = host::text::folded(strName);
     std::string form;
-    form.reserve(name.size());
-    host::text::appendKeypadForm(name, form);
+    host::text::appendKeypadForm(strName, form);
     return form;
 }
 

@@ -30,7 +30,7 @@ void appendDigitForms(const DirectorySearchData& contact, std::string& out) {
     appendNumberForm(contact.strNumber1, out);
     appendNumberForm(contact.strNumber2, out);
     appendNumberForm(contact.strNumber3, out);
-    text::appendKeypadForm(text::folded(contact.strName), out);
+    text::appendKeypadForm(contact.strName, out);
     out += formSeparator;
 }
 

@@ -5,6 +5,7 @@
 #include <utf8proc.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <memory>
 #include <new>
@@ -13,10 +14,35 @@ namespace host::text {
 
 namespace {
 
-constexpr std::string_view keypadOfLetters = "22233344455566677778889999"; // of a to z
-
 bool isKeypadByte(char byte) {
     return (byte >= '0' && byte <= '9') || byte == '*' || byte == '#';
+}
+
+// What each byte of ASCII gives to a keypad form; 0: nothing.
+constexpr std::array<char, 0x80> keypadOfAscii = [] {
+    constexpr std::string_view ofLetters = "22233344455566677778889999"; // of a to z
+    std::array<char, 0x80> keys{};
+    for (std::size_t i = 0; i < ofLetters.size(); ++i) {
+        keys['a' + i] = ofLetters[i];
+        keys['A' + i] = ofLetters[i];
+    }
+    for (const char byte : std::string_view("0123456789*#")) {
+        keys[static_cast<unsigned char>(byte)] = byte;
+    }
+    return keys;
+}();
+
+// Characters beyond ASCII, which some fold to, give nothing.
+void appendKeypadOfAscii(std::string_view text, std::string& out) {
+    std::size_t size = out.size();
+    out.resize(size + text.size());
+    for (const char byte : text) {
+        const auto value = static_cast<unsigned char>(byte);
+        const char key = value < keypadOfAscii.size() ? keypadOfAscii[value] : '\0';
+        out[size] = key;
+        size += key != '\0' ? 1 : 0;
+    }
+    out.resize(size);
 }
 
 // What may stand between the digits of a number, besides blanks.
@@ -127,13 +153,16 @@ std::optional<std::string> dialableNumber(std::string_view text) {
     return parts->international ? "+" + parts->digits : std::move(parts->digits);
 }
 
-void appendKeypadForm(std::string_view foldedName, std::string& out) {
-    for (const char byte : foldedName) {
-        if (byte >= 'a' && byte <= 'z') {
-            out += keypadOfLetters[static_cast<std::size_t>(byte - 'a')];
-        } else if (isKeypadByte(byte)) {
-            out += byte;
+void appendKeypadForm(std::string_view name, std::string& out) {
+    while (!name.empty()) {
+        const auto isPlain = [](char byte) { return static_cast<unsigned char>(byte) < keypadOfAscii.size(); };
+        const auto plainEnd = std::find_if_not(name.begin(), name.end(), isPlain);
+        appendKeypadOfAscii({name.begin(), plainEnd}, out);
+        const auto otherEnd = std::find_if(plainEnd, name.end(), isPlain);
+        if (plainEnd != otherEnd) {
+            appendKeypadOfAscii(folded({plainEnd, otherEnd}), out);
         }
+        name = {otherEnd, name.end()};
     }
 }
 

@@ -23,8 +23,9 @@ std::optional<std::string> plainNumber(std::string_view text);
 // and width makes no difference. Empty for a text of separators only. Nothing when there is anything else in it.
 std::optional<std::string> dialableNumber(std::string_view text);
 
-// Appends the keypad form of a folded name to out: letters as the digits of their keys (ITU-T E.161), digits, "*" and
-// "#" as they are, nothing for the rest. Digits that stand side by side in a name do so in its keypad form too.
-void appendKeypadForm(std::string_view foldedName, std::string& out);
+// Appends the keypad form of a name to out: what it folds to, with letters as the digits of their keys (ITU-T E.161),
+// digits, "*" and "#" as they are, nothing for the rest. Digits that stand side by side in a name do so in its keypad
+// form too.
+void appendKeypadForm(std::string_view name, std::string& out);
 
 } // namespace host::text
