@@ -123,6 +123,23 @@ bool CWideseekAction::MyRemoveFilter(const ItemData& item) {
     return true;
 }
 
+void CWideseekAction::MyRemoveFilter(const std::list<ItemData>& listDropped) {
+    if (listDropped.size() <= m_mapFilter.size() / 3 * 2) {
+        for (const ItemData& item : listDropped) {
+            MyRemoveFilter(item);
+        }
+        return;
+    }
+    // To begin anew with the few that are left is less work.
+    m_mapFilter.clear();
+    m_itFilter = m_mapFilter.end();
+    for (const ResultData* pBucket : m_listResultData) {
+        for (const ItemData& item : pBucket->listItem) {
+            MyAddFilter(item);
+        }
+    }
+}
+
 CWideseekAction::Filter::const_iterator CWideseekAction::MyFindInFilter(const ItemData& item) const {
     auto it = m_itFilter;
     if (it != m_mapFilter.end() && it->first < item) {

@@ -181,36 +181,40 @@ bool CWideseekAction::MySearchFromResult(std::string strKey, std::string strRawK
         return false;
     }
     WideseekListData page;
+    std::list<ItemData> listDropped;
     app_log(LOG_MODULE_WIDESEEK, LOG_LEVEL_INFO, ":MySearchFromResult----------- LOCK-----------------\n");
     m_csResult.Lock();
-    MyNarrowRows(strKey, iFirst, iEnd, page);
+    MyNarrowRows(strKey, iFirst, iEnd, page, listDropped);
     app_log(LOG_MODULE_WIDESEEK, LOG_LEVEL_INFO, ":MySearchFromResult----------- UN LOCK-----------------\n");
     m_csResult.Unlock();
     page.strKey = strRawKey;
     MySetPage(page);
     MyMarkSearched(strKey);
     MyCallback(strKey, strRawKey);
+    // Nobody waits for this part of the work, and nothing asks the filter before it is done.
+    MyRemoveFilter(listDropped);
     return true;
 }
 
-void CWideseekAction::MyNarrowRows(const std::string& strKey, int iFirst, int iEnd, WideseekListData& page) {
+void CWideseekAction::MyNarrowRows(const std::string& strKey, int iFirst, int iEnd, WideseekListData& page,
+                                   std::list<ItemData>& listDropped) {
     int iIndex = -1;
     for (ResultData* pBucket : m_listResultData) {
         if (pBucket->iState != RESULT_STATE_DONE) {
             continue;
         }
         for (auto it = pBucket->listItem.begin(); it != pBucket->listItem.end();) {
-            if (it->IsBlank()) {
-                ++it;
-            } else if (!MyIsMatch(*it, strKey)) {
-                MyRemoveFilter(*it);
-                it = pBucket->listItem.erase(it);
-            } else {
-                ++iIndex;
-                if (iFirst <= iIndex && iIndex < iEnd) {
-                    page.listItem.push_back(PageRowOf(*it));
-                }
-                ++it;
+            const auto itRow = it++;
+            if (itRow->IsBlank()) {
+                continue;
+            }
+            if (!MyIsMatch(*itRow, strKey)) {
+                listDropped.splice(listDropped.end(), pBucket->listItem, itRow);
+                continue;
+            }
+            ++iIndex;
+            if (iFirst <= iIndex && iIndex < iEnd) {
+                page.listItem.push_back(PageRowOf(*itRow));
             }
         }
     }
