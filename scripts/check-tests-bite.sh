@@ -39,7 +39,9 @@ calls without name and number are offered | WideseekActionRecent.cpp | s/(pCall-
 a page has a row too many | WideseekActionResult.cpp | /::MyCopyResult/,/^}/s/iIndex < iEnd/iIndex <= iEnd/
 a narrowed page lacks its first row | WideseekActionResult.cpp | /::MyNarrowRows/,/^}/s/iFirst <= iIndex/iFirst < iIndex/
 a total is one too small | WideseekActionResult.cpp | /::MyCopyResult/,/^}/s/iIndex + 1/iIndex/
-narrowing leaves what it drops in the filter | WideseekActionResult.cpp | /::MyNarrowRows/,/^}/s/MyRemoveFilter(\*it);//
+narrowing leaves what it drops in the filter | WideseekActionResult.cpp | s/MyRemoveFilter(listDropped);//
+a filter begun anew forgets what is left | WideseekActionMerge.cpp | s/^            MyAddFilter(item);/(void)item;/
+a filter begun anew keeps what was dropped | WideseekActionMerge.cpp | /::MyRemoveFilter(const std::list/,/^}/s/m_mapFilter.clear();//
 narrowing does not note its key | WideseekActionResult.cpp | /::MySearchFromResult/,/^}/s/MyMarkSearched(strKey);//
 a refused narrowing leaves the shorter key | WideseekActionResult.cpp | /::MySearchFromResult/,/^}/s/MyForgetSearched();//
 narrowing goes through failed sources | WideseekActionResult.cpp | /::MyNarrowRows/,/^}/s/!= RESULT_STATE_DONE/== RESULT_STATE_SEARCHING/
