@@ -50,6 +50,15 @@ TEST(Search, GivesAPageWhenLdapHasHad100msAndOneMoreWithItsRowsLastWhenItAnswers
     EXPECT_EQ(phone.local->asked, std::vector<std::string>{"5"});
 }
 
+TEST(Search, ListsWhatNarrowingLeftOnceAndWhatItDroppedAgainWhenLdapAnswers) {
+    LdapPhone phone;
+    phone.type("5", phone.screen, 0, 1);
+    phone.type("59", phone.screen);
+    EXPECT_EQ(phone.last(), "Rob 59; 59 0+10 of 1");
+    phone.answerLdap({{"Rob", {"59"}}, {"Ann", {"51"}}});
+    EXPECT_EQ(phone.last(), "Ann 51, Rob 59; 59 0+10 of 2");
+}
+
 TEST(Action, GivesThePageLastCutWhole) {
     SteppedPhone phone({localId});
     phone.local->contacts = {{"A", {"51"}}, {"B", {"52"}}};
