@@ -6,6 +6,16 @@
 #include "host/text/Key.h"
 
 #include <algorithm>
+#include <string_view>
+
+namespace {
+
+// For few characters, of which std::string_view::find makes much ado.
+bool isOneOf(std::string_view characters, char wanted) {
+    return std::any_of(characters.begin(), characters.end(), [wanted](char each) { return each == wanted; });
+}
+
+} // namespace
 
 std::string CommonAPI_StringConvert(const std::string& strText, StringConvertType eType) {
     return eType == STRING_CONVERT_SEARCH_KEY ? host::text::convertKey(strText) : strText;
@@ -19,11 +29,14 @@ std::string CommonAPI_TrimString(const std::string& strText, const std::string& 
     if (eType != TRIM_TYPE_BOTH_ENDS) {
         return strText;
     }
-    const std::size_t begin = strText.find_first_not_of(strChars);
-    if (begin == std::string::npos) {
-        return {};
+    std::string_view text = strText;
+    while (!text.empty() && isOneOf(strChars, text.front())) {
+        text.remove_prefix(1);
     }
-    return strText.substr(begin, strText.find_last_not_of(strChars) - begin + 1);
+    while (!text.empty() && isOneOf(strChars, text.back())) {
+        text.remove_suffix(1);
+    }
+    return std::string(text);
 }
 
 int CommonAPI_StringMatch(const std::string& strText, const std::string& strKey, bool bWholeWord,
