@@ -30,17 +30,18 @@ a reset leaves the last key | WideseekAction.cpp | /::ResetKey/,/^}/s/m_strLastK
 a reset does not reach a running search | WideseekAction.cpp | s/++m_uResets;//
 a key is marked as searched whatever was reset | WideseekAction.cpp | s/if (m_uFilledAt == m_uResets)/if (m_uFilledAt <= m_uResets)/
 every key narrows | WideseekAction.cpp | s/!strLastKey.empty() && strKey.compare/strKey.compare/
-what one source found is forgotten by the next | WideseekActionMerge.cpp | s|^    MyAddFilter(item, true);||
+what one source found is forgotten by the next | WideseekActionMerge.cpp | s/MyAddFilter(\*place.itRow, true);/(void)place;/
 a row is looked for beside the last one only | WideseekActionMerge.cpp | s/^    return m_mapFilter.lower_bound(item);/    return it;/
 the filter forgets where it was looked at | WideseekActionResult.cpp | s/^    m_itFilter = m_mapFilter.end();//
-the second number's row shows the first one | WideseekActionMerge.cpp | s/Numbers{strNumber2, strNumber1, strNumber3}/Numbers{strNumber1, strNumber2, strNumber3}/
-a row forgets the contact's third number | WideseekActionMerge.cpp | s/Numbers{strNumber2, strNumber1, strNumber3}/Numbers{strNumber2, strNumber1, strNumber1}/
+the second number's row shows the first one | WideseekActionMerge.cpp | s/row.strNumber = \*arrNumber\[i\];/row.strNumber = *arrNumber[i == 1 ? 0 : i];/
+a row forgets the contact's third number | WideseekActionMerge.cpp | s/arrNumber\[i == 2 ? 1 : 2\]/arrNumber[1]/
 calls without name and number are offered | WideseekActionRecent.cpp | s/(pCall->strName.empty() && pCall->strNumber.empty())/pCall->strExtra == "-"/
 a page has a row too many | WideseekActionResult.cpp | /::MyCopyResult/,/^}/s/iIndex < iEnd/iIndex <= iEnd/
 a narrowed page lacks its first row | WideseekActionResult.cpp | /::MyNarrowRows/,/^}/s/iFirst <= iIndex/iFirst < iIndex/
 a total is one too small | WideseekActionResult.cpp | /::MyCopyResult/,/^}/s/iIndex + 1/iIndex/
 narrowing leaves what it drops in the filter | WideseekActionResult.cpp | s/MyRemoveFilter(listDropped);//
-a filter begun anew forgets what is left | WideseekActionMerge.cpp | s/^            MyAddFilter(item);/(void)item;/
+a dropped row stays in the filter when most stay | WideseekActionMerge.cpp | s/^            MyRemoveFilter(\*place.itRow);/(void)place;/
+a filter begun anew forgets what is left | WideseekActionMerge.cpp | s/^            MyAddFilter(\*place.itRow);/(void)place;/
 a filter begun anew keeps what was dropped | WideseekActionMerge.cpp | /::MyRemoveFilter(const std::list/,/^}/s/m_mapFilter.clear();//
 narrowing does not note its key | WideseekActionResult.cpp | /::MySearchFromResult/,/^}/s/MyMarkSearched(strKey);//
 a refused narrowing leaves the shorter key | WideseekActionResult.cpp | /::MySearchFromResult/,/^}/s/MyForgetSearched();//
@@ -56,7 +57,7 @@ a request gets a second page | WideseekActionResult.cpp | /::MySend/,/^}/s/    m
 a late answer goes to nobody | WideseekActionResult.cpp | /::MyRestoreCallback/,/^}/s/m_pCallback = m_pLastCallback;//
 a source without memory counts as searched | WideseekActionResult.cpp | s/^            ResetKey();//
 a failed source is shown | WideseekActionSource.cpp | s/bFound ? RESULT_STATE_DONE : RESULT_STATE_FAILED/RESULT_STATE_DONE/
-LDAP's former rows stay in the filter | WideseekActionSource.cpp | /::MyReSearchLdap/,/^}/s/MyRemoveFilter(item);/(void)item;/
+LDAP's former rows stay in the filter | WideseekActionSource.cpp | s/MyRemoveFilter(listDropped);//
 an answer for another key is taken | WideseekActionSource.cpp | s/ || strConverted != m_strKey//
 a failed answer is taken | WideseekActionSource.cpp | s/pAction->GetResultCode() != 0 || //
 an overtaken search counts as searched | WideseekActionSource.cpp | /::MyReSearch(/,/^}/s/MyForgetSearched();//

@@ -30,7 +30,7 @@
 #include "platform/MsgQueueHelper.h"
 #include "platform/TaskAction.h"
 
-#include <cstddef>
+#include <array>
 #include <list>
 #include <map>
 #include <string>
@@ -162,12 +162,6 @@ private:
         unsigned long long uSerial = 0;
     };
 
-    // Rows to be filled, made some at a time: a bucket is walked the faster the closer together its rows lie.
-    struct SpareRows {
-        std::list<ItemData> listItem;
-        std::size_t uAtATime;
-    };
-
     using Filter = std::map<ItemData, int>;
 
     // Called by the constructor, when nobody else knows the object. The lock is not taken: the controller makes the
@@ -207,25 +201,19 @@ private:
                              bool (*pQuery)(WideseekItemListData*)) CH_REQUIRES(m_csWork);
     bool MyReSearchLdap(std::string strKey, std::string strRawKey) CH_REQUIRES(m_csWork);
     bool MyReSearchUC(std::string strKey, const std::string& strRawKey) CH_REQUIRES(m_csWork);
-    void MyInsertBuddy(ResultData& bucket, SpareRows& spare, const PresenceInfo& info) CH_REQUIRES(m_csWork);
+    static void MyAppendBuddy(std::list<ItemData>& listNew, const PresenceInfo& info);
     ResultData* MyFindResultByType(const std::string& strType) CH_REQUIRES(m_csWork);
 
     // ---- rows and the filter (WideseekActionMerge.cpp) ----
 
-    // As many at a time as suits an answer of about uRows rows.
-    static SpareRows MyMakeSpareRows(std::size_t uRows);
-
-    // The next row. It may hold what a row that was not appended was filled with.
-    static ItemData& MySpareRow(SpareRows& spare);
-
     void MyInsertResult(ResultData* pBucket, OxList<DirectorySearchData>& hitList) CH_REQUIRES(m_csWork);
 
-    // Appends a row for each number that is not empty. The next spare row holds what these rows have in common.
-    void MyAppendRows(ResultData& bucket, SpareRows& spare, const std::string& strNumber1,
-                      const std::string& strNumber2, const std::string& strNumber3) CH_REQUIRES(m_csWork);
+    // Makes of the last row, which holds all but the numbers of a contact, one for each number that is not empty.
+    static void MySplitByNumber(std::list<ItemData>& listNew, const std::array<const std::string*, 3>& arrNumber);
 
-    // Appends the next spare row and adds it to the filter, unless the filter holds it.
-    void MyAppendRow(ResultData& bucket, SpareRows& spare) CH_REQUIRES(m_csWork);
+    // Moves new rows to the bucket's end in their order, but those whose name and number the filter or a row before
+    // them holds, and adds them to the filter.
+    void MyMergeRows(ResultData& bucket, std::list<ItemData>& listNew) CH_REQUIRES(m_csWork);
 
     bool MyIsFilterExist(const ItemData& item) const CH_REQUIRES(m_csWork);
 

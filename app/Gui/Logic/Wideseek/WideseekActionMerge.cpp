@@ -6,24 +6,42 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <iterator>
 #include <tuple>
 #include <utility>
+#include <vector>
 
 namespace NS_WS {
 
 namespace {
 
-// Enough for rows to lie close together, few enough to be made for nothing at the end of a source's answer.
-constexpr std::size_t MAX_SPARE_ROWS = 64;
+// The first bytes of a name, which compare as the names do where they differ.
+std::uint64_t StartOf(const std::string& strName) {
+    std::uint64_t uStart = 0;
+    for (std::size_t i = 0; i < sizeof uStart; ++i) {
+        uStart = uStart << 8U | (i < strName.size() ? static_cast<unsigned char>(strName[i]) : 0U);
+    }
+    return uStart;
+}
 
-// What the rows of one contact have in common.
-void CopyShared(const CWideseekAction::ItemData& from, CWideseekAction::ItemData& to) {
-    to.strName = from.strName;
-    to.strNameKey = from.strNameKey;
-    to.strExtra1 = from.strExtra1;
-    to.strExtra2 = from.strExtra2;
-    to.iExtra = from.iExtra;
+struct Place {
+    std::uint64_t uNameStart; // beside the row's place, so that most rows need not be looked at to be put in order
+    std::list<CWideseekAction::ItemData>::const_iterator itRow;
+};
+
+// The rows as they stand in the filter, equal ones as in the list. In this order each stands beside the one before it,
+// and the filter is walked along instead of being searched from its root, which is in no cache when it is large.
+std::vector<Place> InFilterOrder(const std::list<CWideseekAction::ItemData>& listItem) {
+    std::vector<Place> vecPlace;
+    vecPlace.reserve(listItem.size());
+    for (auto it = listItem.begin(); it != listItem.end(); ++it) {
+        vecPlace.push_back({StartOf(it->strName), it});
+    }
+    std::stable_sort(vecPlace.begin(), vecPlace.end(), [](const Place& a, const Place& b) {
+        return a.uNameStart != b.uNameStart ? a.uNameStart < b.uNameStart : *a.itRow < *b.itRow;
+    });
+    return vecPlace;
 }
 
 } // namespace
@@ -37,66 +55,48 @@ void CWideseekAction::MyInsertResult(ResultData* pBucket, OxList<DirectorySearch
     if (pBucket == nullptr) {
         return;
     }
-    SpareRows spare = MyMakeSpareRows(hitList.Count());
+    std::list<ItemData> listNew;
     for (auto* pNode = hitList.Begin(); pNode != hitList.End(); pNode = pNode->pNext) {
         DirectorySearchData& hit = pNode->value;
         if (hit.strName.empty()) {
             continue;
         }
-        ItemData& row = MySpareRow(spare);
-        row.strNameKey = CommonUnits_ToKeyString(hit.strName);
-        row.strName = std::move(hit.strName);
-        row.strExtra2 = std::move(hit.strExtra);
-        MyAppendRows(*pBucket, spare, hit.strNumber1, hit.strNumber2, hit.strNumber3);
+        ItemData& item = listNew.emplace_back();
+        item.strNameKey = CommonUnits_ToKeyString(hit.strName);
+        item.strName = std::move(hit.strName);
+        item.strExtra2 = std::move(hit.strExtra);
+        MySplitByNumber(listNew, {&hit.strNumber1, &hit.strNumber2, &hit.strNumber3});
     }
+    MyMergeRows(*pBucket, listNew);
 }
 
-CWideseekAction::SpareRows CWideseekAction::MyMakeSpareRows(std::size_t uRows) {
-    return {{}, std::clamp<std::size_t>(uRows, 1, MAX_SPARE_ROWS)};
-}
-
-CWideseekAction::ItemData& CWideseekAction::MySpareRow(SpareRows& spare) {
-    if (spare.listItem.empty()) {
-        spare.listItem.resize(spare.uAtATime);
-    }
-    return spare.listItem.front();
-}
-
-void CWideseekAction::MyAppendRows(ResultData& bucket, SpareRows& spare, const std::string& strNumber1,
-                                   const std::string& strNumber2, const std::string& strNumber3) {
-    struct Numbers {
-        const std::string& strNumber;
-        const std::string& strOther1;
-        const std::string& strOther2;
-    };
-    const std::array<Numbers, 3> arrNumbers = {Numbers{strNumber1, strNumber2, strNumber3},
-                                               Numbers{strNumber2, strNumber1, strNumber3},
-                                               Numbers{strNumber3, strNumber1, strNumber2}};
-    const ItemData* pLast = nullptr;
-    for (const Numbers& numbers : arrNumbers) {
-        if (numbers.strNumber.empty()) {
+void CWideseekAction::MySplitByNumber(std::list<ItemData>& listNew,
+                                      const std::array<const std::string*, 3>& arrNumber) {
+    bool bFirst = true;
+    for (std::size_t i = 0; i < arrNumber.size(); ++i) {
+        if (arrNumber[i]->empty()) {
             continue;
         }
-        ItemData& row = MySpareRow(spare);
-        // A row that was not appended is still the next one.
-        if (pLast != nullptr && pLast != &row) {
-            CopyShared(*pLast, row);
-        }
-        pLast = &row;
-        row.strNumber = numbers.strNumber;
-        row.strNumber2 = numbers.strOther1;
-        row.strNumber3 = numbers.strOther2;
-        MyAppendRow(bucket, spare);
+        ItemData& row = bFirst ? listNew.back() : listNew.emplace_back(listNew.back());
+        row.strNumber = *arrNumber[i];
+        row.strNumber2 = *arrNumber[i == 0 ? 1 : 0];
+        row.strNumber3 = *arrNumber[i == 2 ? 1 : 2];
+        bFirst = false;
+    }
+    if (bFirst) {
+        listNew.pop_back();
     }
 }
 
-void CWideseekAction::MyAppendRow(ResultData& bucket, SpareRows& spare) {
-    const ItemData& item = spare.listItem.front();
-    if (MyIsFilterExist(item)) {
-        return;
+void CWideseekAction::MyMergeRows(ResultData& bucket, std::list<ItemData>& listNew) {
+    for (const Place& place : InFilterOrder(listNew)) {
+        if (MyIsFilterExist(*place.itRow)) {
+            listNew.erase(place.itRow);
+        } else {
+            MyAddFilter(*place.itRow, true);
+        }
     }
-    bucket.listItem.splice(bucket.listItem.end(), spare.listItem, spare.listItem.begin());
-    MyAddFilter(item, true);
+    bucket.listItem.splice(bucket.listItem.end(), listNew);
 }
 
 bool CWideseekAction::MyIsFilterExist(const ItemData& item) const {
@@ -125,8 +125,8 @@ bool CWideseekAction::MyRemoveFilter(const ItemData& item) {
 
 void CWideseekAction::MyRemoveFilter(const std::list<ItemData>& listDropped) {
     if (listDropped.size() <= m_mapFilter.size() / 3 * 2) {
-        for (const ItemData& item : listDropped) {
-            MyRemoveFilter(item);
+        for (const Place& place : InFilterOrder(listDropped)) {
+            MyRemoveFilter(*place.itRow);
         }
         return;
     }
@@ -134,8 +134,8 @@ void CWideseekAction::MyRemoveFilter(const std::list<ItemData>& listDropped) {
     m_mapFilter.clear();
     m_itFilter = m_mapFilter.end();
     for (const ResultData* pBucket : m_listResultData) {
-        for (const ItemData& item : pBucket->listItem) {
-            MyAddFilter(item);
+        for (const Place& place : InFilterOrder(pBucket->listItem)) {
+            MyAddFilter(*place.itRow);
         }
     }
 }

@@ -117,10 +117,9 @@ bool CWideseekAction::MyReSearchLdap(std::string strKey, std::string /*strRawKey
         return false;
     }
     // The coming answer must not find its own former rows in the filter.
-    for (const ItemData& item : pBucket->listItem) {
-        MyRemoveFilter(item);
-    }
-    pBucket->listItem.clear();
+    std::list<ItemData> listDropped;
+    listDropped.swap(pBucket->listItem);
+    MyRemoveFilter(listDropped);
     pBucket->iState = RESULT_STATE_SEARCHING;
     void* pThread = ETL_MsgQueueHelper::uCSystemShareHelpergetGlobalObject()->m_processLocal.GetLocalThreadByName(
         "ThreadLocalContactSearch");
@@ -140,24 +139,25 @@ bool CWideseekAction::MyReSearchUC(std::string strKey, const std::string& /*strR
     CPresenceContactManager* pManager = CPresenceContactManager::GetInstance();
     const bool bFound =
         pManager != nullptr && pManager->GetListByGroupId(&buddies, iState, 0, strKey, ATTR_TYPE_SEARCH);
-    SpareRows spare = MyMakeSpareRows(buddies.listContactId.size());
+    std::list<ItemData> listNew;
     for (const int iContactId : buddies.listContactId) {
         PresenceInfo info;
         info.iContactId = iContactId;
         pManager = CPresenceContactManager::GetInstance();
         if (pManager != nullptr && pManager->GetContactDetail(info, PRESENCE_TYPE_BUDDY, 0) != 0) {
-            MyInsertBuddy(*pBucket, spare, info);
+            MyAppendBuddy(listNew, info);
         }
     }
+    MyMergeRows(*pBucket, listNew);
     pBucket->iState = bFound ? RESULT_STATE_DONE : RESULT_STATE_FAILED;
     return bFound;
 }
 
-void CWideseekAction::MyInsertBuddy(ResultData& bucket, SpareRows& spare, const PresenceInfo& info) {
+void CWideseekAction::MyAppendBuddy(std::list<ItemData>& listNew, const PresenceInfo& info) {
     if (info.strName.empty()) {
         return;
     }
-    ItemData& item = MySpareRow(spare);
+    ItemData& item = listNew.emplace_back();
     item.strName = info.strName;
     item.strExtra1 = info.strInfo1;
     item.strExtra2 = info.strInfo2;
@@ -174,7 +174,7 @@ void CWideseekAction::MyInsertBuddy(ResultData& bucket, SpareRows& spare, const 
             arrNumber[uCollected++] = attribute.strValue;
         }
     }
-    MyAppendRows(bucket, spare, arrNumber[0], arrNumber[1], arrNumber[2]);
+    MySplitByNumber(listNew, {&arrNumber[0], &arrNumber[1], &arrNumber[2]});
 }
 
 CWideseekAction::ResultData* CWideseekAction::MyFindResultByType(const std::string& strType) {
@@ -207,15 +207,13 @@ void CWideseekAction::OnTaskActionCallbackLdap(NS_TA::CLdapAction* pAction) {
         pBucket->iState = RESULT_STATE_FAILED;
         return;
     }
-    SpareRows spare = MyMakeSpareRows(pAction->GetResultList().size());
+    std::list<ItemData> listNew;
     for (const NS_TA::LdapResultItem& result : pAction->GetResultList()) {
         if (!result.strNumber.empty()) {
-            ItemData& item = MySpareRow(spare);
-            item.strName = result.strName;
-            item.strNumber = result.strNumber;
-            MyAppendRow(*pBucket, spare);
+            listNew.emplace_back(result.strName, result.strNumber);
         }
     }
+    MyMergeRows(*pBucket, listNew);
     MyRestoreCallback();
     pBucket->iState = RESULT_STATE_DONE;
     MyCheckResult(pAction->GetKey(), strConverted);
