@@ -224,8 +224,8 @@ private:
     // Of rows that no bucket holds any more.
     void MyRemoveFilter(const std::list<ItemData>& listDropped) CH_REQUIRES(m_csWork);
 
-    // Where the row stands in the filter or would stand. The rows of one contact stand side by side, and so do contacts
-    // of a source that is sorted: where the last row stood is looked at first.
+    // Where the row stands in the filter or would stand. Rows are looked up in the filter's order: where the last one
+    // stood is looked at first.
     Filter::const_iterator MyFindInFilter(const ItemData& item) const CH_REQUIRES(m_csWork);
 
     // ---- pages (WideseekActionResult.cpp) ----
@@ -239,9 +239,11 @@ private:
     void MyArmTimer() CH_REQUIRES(m_csWork);
     bool MyCopyResult(std::string strKey, std::string strRawKey) CH_REQUIRES(m_csWork);
     bool MySearchFromResult(std::string strKey, std::string strRawKey) CH_REQUIRES(m_csWork);
+
     // What no longer matches goes into listDropped, and is still in the filter.
     void MyNarrowRows(const std::string& strKey, int iFirst, int iEnd, WideseekListData& page,
                       std::list<ItemData>& listDropped) CH_REQUIRES(m_csWork);
+
     bool MyIsMatch(const ItemData& item, const std::string& strKey) const CH_REQUIRES(m_csWork);
     bool MyCallback(std::string strKey, std::string strRawKey) CH_REQUIRES(m_csWork);
     bool MySend(CWideseekCBData* pData, const std::string& strKey) CH_REQUIRES(m_csWork);
