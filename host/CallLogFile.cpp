@@ -112,7 +112,7 @@ int CallLogFile::outgoing(OxVector<GeneralDirItemData>& calls, int from, int cou
     if (!log) {
         return -1;
     }
-    error.clear();
+    error.clear(); // of the file, when there are added calls to offer
     const std::size_t begin = std::min(static_cast<std::size_t>(from), log->outgoing.size());
     const std::size_t end = begin + std::min(static_cast<std::size_t>(count), log->outgoing.size() - begin);
     for (std::size_t i = begin; i < end; ++i) {

@@ -32,7 +32,8 @@ public:
     // False, and a problem, when the file cannot be read or is no JSON array.
     bool GetListByGroupId(ContactBuddyListData* pList, int& iState, int iGroupId, const std::string& strKey,
                           AttrType eType) override;
-    // Of the file as it was when buddies were listed last.
+
+    // Of the file as it was read last, so that the buddies of one list are those of one file.
     int GetContactDetail(PresenceInfo& info, PresenceType eType, int iFlag) override;
 
 private:

@@ -52,8 +52,8 @@ public:
         return loaded->made.content;
     }
 
-    // What current gave last, for the many small questions that belong to one search: the file system is not asked. Any
-    // thread.
+    // What was read last, also when the file has gone since; null when nothing was. For the many small questions that
+    // belong to one search: the file system is not asked. Any thread.
     std::shared_ptr<const Content> lastRead() const {
         const std::shared_ptr<const Loaded> loaded = latest();
         return loaded ? loaded->made.content : nullptr;

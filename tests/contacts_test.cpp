@@ -247,6 +247,7 @@ TEST_F(Files, OfCallsGiveTheNewestFirstAndEachPersonOnce) {
     EXPECT_EQ(outgoing(log, 0, 9), (Strings{"2", "|7|", "Cy|6|"})) << "an added call outlives a change of the file";
     write("number,time\n7,2026-11-20T10:00:00\n");
     EXPECT_NE(found(log, "").front().find("names no column \"direction\""), std::string::npos);
+    EXPECT_EQ(outgoing(log, 0, 9), (Strings{"1", "Cy|6|"})) << "an added call needs no file";
 }
 
 } // namespace
