@@ -33,6 +33,8 @@ target_compile_options(
     -Wimplicit-fallthrough
     -Wunused
     -Werror
+    # Nobody replaces a function of our shared libraries, so one may be inlined where it is called in its own file.
+    -fno-semantic-interposition
     $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety>
     $<$<CXX_COMPILER_ID:GNU>:-Wduplicated-cond>
     $<$<CXX_COMPILER_ID:GNU>:-Wlogical-op>

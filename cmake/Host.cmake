@@ -13,6 +13,8 @@ mark_as_advanced(CSV_INCLUDE_DIR CSV_LIBRARY)
 file(GLOB sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/host/*.cpp" "${PROJECT_SOURCE_DIR}/host/*/*.cpp")
 if(sources)
   add_library(wideseek_host SHARED ${sources})
+  # It is loaded with the program, so a thread's own variables need no function to be found.
+  target_compile_options(wideseek_host PRIVATE -ftls-model=initial-exec)
   target_include_directories(wideseek_host SYSTEM PRIVATE "${CSV_INCLUDE_DIR}")
   target_include_directories(wideseek_host INTERFACE "${PROJECT_SOURCE_DIR}")
   target_link_libraries(

@@ -12,7 +12,12 @@ namespace {
 
 // For few characters, of which std::string_view::find makes much ado.
 bool isOneOf(std::string_view characters, char wanted) {
-    return std::any_of(characters.begin(), characters.end(), [wanted](char each) { return each == wanted; });
+    for (const char each : characters) {
+        if (each == wanted) {
+            return true;
+        }
+    }
+    return false;
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -21,7 +22,10 @@ public:
     const std::string& key() const { return m_key; }
 
     // Whether the folded key occurs in the folded text. An empty key occurs in everything.
-    bool isIn(std::string_view text);
+    bool isIn(std::string_view text) {
+        const Found found = m_isAscii ? findInAscii(text) : Found::foldFirst;
+        return found == Found::foldFirst ? isInFolded(text) : found == Found::yes;
+    }
 
     // The same, with neither letter nor digit beside it.
     bool isWordIn(std::string_view text);
@@ -30,12 +34,23 @@ private:
     enum class Found { yes, no, foldFirst };
 
     Found findInAscii(std::string_view text) const;
+    bool isInFolded(std::string_view text);
     bool isAt(std::string_view text, std::size_t at) const;
     const std::string& fold(std::string_view text);
 
+    using Word = std::uint64_t; // eight bytes, the first of them lowest
+
     std::string m_key;
     std::string m_folded;
-    bool m_isAscii = true; // m_folded is
+    bool m_isAscii = false; // m_folded is, and not empty; then the following stand for it:
+    Word m_start = 0;      // its first eight bytes, zero behind its end
+    Word m_startMask = 0;  // which of them there are
+    Word m_startCase = 0;  // the bits that a letter's case makes of no account
+    Word m_first = 0;      // its first byte, eight times
+    Word m_firstCase = 0;
+    Word m_second = 0; // its second byte
+    Word m_secondCase = 0;
+    Word m_secondKnown = 0; // the bytes of a word behind which the second byte can be looked for
     std::string m_buffer;
 };
 

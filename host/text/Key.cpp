@@ -14,6 +14,10 @@ namespace host::text {
 
 namespace {
 
+bool isAscii(char byte) {
+    return static_cast<unsigned char>(byte) < 0x80;
+}
+
 bool isKeypadByte(char byte) {
     return (byte >= '0' && byte <= '9') || byte == '*' || byte == '#';
 }
@@ -99,6 +103,9 @@ void appendNormalized(std::string_view utf8, std::string& out) {
 }
 
 std::string normalized(std::string_view text) {
+    if (std::all_of(text.begin(), text.end(), isAscii)) {
+        return folded(text); // case is all that there is to fold
+    }
     std::string out;
     out.reserve(text.size());
     while (!text.empty()) {
@@ -155,10 +162,9 @@ std::optional<std::string> dialableNumber(std::string_view text) {
 
 void appendKeypadForm(std::string_view name, std::string& out) {
     while (!name.empty()) {
-        const auto isPlain = [](char byte) { return static_cast<unsigned char>(byte) < keypadOfAscii.size(); };
-        const auto plainEnd = std::find_if_not(name.begin(), name.end(), isPlain);
+        const auto plainEnd = std::find_if_not(name.begin(), name.end(), isAscii);
         appendKeypadOfAscii({name.begin(), plainEnd}, out);
-        const auto otherEnd = std::find_if(plainEnd, name.end(), isPlain);
+        const auto otherEnd = std::find_if(plainEnd, name.end(), isAscii);
         if (plainEnd != otherEnd) {
             appendKeypadOfAscii(folded({plainEnd, otherEnd}), out);
         }
