@@ -15,8 +15,8 @@
 //
 // Afterwards the first pages and the totals of some sessions are compared: they must be the same.
 //
-// Beside that: the two hand-overs of an empty request, what the caller's thread waits while a full search runs, and the
-// memory that the rows take.
+// Beside that: the two hand-overs of an empty request, which goes before each session; what the caller's thread waits
+// while a full search runs; and the memory that the rows take.
 
 #include "bench/session/Fts5Search.h"
 #include "bench/session/LivePhone.h"
@@ -42,7 +42,6 @@ namespace {
 using namespace bench;
 using Json = nlohmann::ordered_json;
 
-constexpr std::size_t emptyRequests = 1000;
 constexpr std::size_t callerRounds = 50;
 constexpr const char* everybody = "4"; // in every main number
 
@@ -161,12 +160,12 @@ std::unique_ptr<KeySearch> makeSearch(const std::string& name, const Population&
 }
 
 void measurePhone(LivePhone& phone, const std::vector<Session>& sessions, Json& result) {
-    result["empty request"] = json(summaryOf(phone.emptyRequests(emptyRequests)));
     phone.begin();
     phone.type(everybody);
     phone.type(everybody);
     result["rows"] = phone.page().total;
     const auto answers = answer(phone, sessions);
+    result["empty request"] = json(summaryOf(phone.emptyRequests()));
     result["wideseek"] = groupsOf(answers, sessions, &Took::page);
     result["wideseek, all work"] = groupsOf(answers, sessions, &Took::work);
     print("wideseek", {{"empty", result["empty request"]}});

@@ -1,8 +1,7 @@
 // The phone's string helpers (platform/CommonAPI.h).
 #include "platform/CommonAPI.h"
 
-#include "host/text/Find.h"
-#include "host/text/Fold.h"
+#include "host/text/FieldMatch.h"
 #include "host/text/Key.h"
 
 #include <algorithm>
@@ -46,15 +45,7 @@ std::string CommonAPI_TrimString(const std::string& strText, const std::string& 
 
 int CommonAPI_StringMatch(const std::string& strText, const std::string& strKey, bool bWholeWord,
                           StringMatchType eType) {
-    if (eType != STRING_MATCH_CONTAINS) {
-        return 0;
-    }
-    // A search asks for the same key row after row.
-    thread_local host::text::FieldMatcher matcher;
-    if (matcher.key() != strKey) {
-        matcher.setKey(strKey);
-    }
-    return (bWholeWord ? matcher.isWordIn(strText) : matcher.isIn(strText)) ? 1 : 0;
+    return eType == STRING_MATCH_CONTAINS && host::text::isIn(strText, strKey, bWholeWord) ? 1 : 0;
 }
 
 std::string CommonUnits_ToKeyString(const std::string& strName) {

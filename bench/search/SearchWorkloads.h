@@ -45,14 +45,15 @@ private:
 
 class Narrow : public Workload {
 public:
-    Narrow(std::size_t rows, Typed typed, unsigned percent);
+    // withLdap: among the sources, so that the filter is kept up to date for its answer, which does not come.
+    Narrow(std::size_t rows, Typed typed, unsigned percent, bool withLdap);
     bool isUsedUp() const override { return true; }
     void prepare() override { m_search.searchAfresh(m_first); }
     void run() override { m_search.search(m_second); }
     std::size_t rows() const override { return m_search.rows(); }
 
 private:
-    explicit Narrow(NarrowingPeople people);
+    Narrow(NarrowingPeople people, bool withLdap);
 
     SearchOnThisThread m_search;
     std::string m_first;

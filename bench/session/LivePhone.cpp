@@ -62,7 +62,12 @@ LivePhone::LivePhone(const Population& population)
                .ldapDelay = {},
                .contactFiles = true,
                .log = {}}) {
-    useFiles();
+    const auto over = [this](const char* file) {
+        return std::make_shared<host::FileDirectory>(m_root.path() / file, host::ProblemSink());
+    };
+    m_local = over("config/contacts/local_directory.csv");
+    m_calls = over(callLogContacts);
+    setContacts(m_local, m_calls);
     if (!Wideseek_PreInit()) {
         throw std::runtime_error("the search library could not be started: no memory for it");
     }
@@ -78,16 +83,17 @@ LivePhone::~LivePhone() {
     NS_WS::CWideseekController::ReleaseInstance();
 }
 
-void LivePhone::useFiles() {
-    const auto over = [this](const char* file) {
-        return std::make_shared<host::FileDirectory>(m_root.path() / file, host::ProblemSink());
-    };
-    m_phone.setSource(host::Source::localDirectory, over("config/contacts/local_directory.csv"));
-    m_phone.setSource(host::Source::callLog, over(callLogContacts));
+void LivePhone::setContacts(const std::shared_ptr<host::ContactSource>& local,
+                            const std::shared_ptr<host::ContactSource>& calls) {
+    m_phone.setSource(host::Source::localDirectory, local);
+    m_phone.setSource(host::Source::callLog, calls);
 }
 
 void LivePhone::begin() {
-    Wideseek_ResetKey();
+    const auto none = std::make_shared<NoContacts>();
+    setContacts(none, none);
+    m_emptyRequests.push_back(type("").page);
+    setContacts(m_local, m_calls);
 }
 
 void LivePhone::request(const std::string& key) {
@@ -122,19 +128,6 @@ Page LivePhone::page() const {
         page.rows.push_back({row.strName, row.strNumber});
     }
     return page;
-}
-
-std::vector<Nanoseconds> LivePhone::emptyRequests(std::size_t count) {
-    const auto none = std::make_shared<NoContacts>();
-    m_phone.setSource(host::Source::localDirectory, none);
-    m_phone.setSource(host::Source::callLog, none);
-    std::vector<Nanoseconds> times;
-    while (times.size() < count) {
-        times.push_back(type("").page);
-    }
-    useFiles();
-    type("0"); // reads the files
-    return times;
 }
 
 void LivePhone::timeCalls(const std::string& key, CallerTimes& times) {

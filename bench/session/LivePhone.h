@@ -6,6 +6,7 @@
 
 #include "bench/session/KeySearch.h"
 #include "bench/session/Population.h"
+#include "host/ContactSource.h"
 #include "host/Phone.h"
 #include "platform/TaskAction.h"
 
@@ -23,6 +24,8 @@ public:
     LivePhone& operator=(const LivePhone&) = delete;
 
     bool isStateless() const override { return false; }
+
+    // Also makes an empty request, as a screen does whose search box is cleared, and notes its time.
     void begin() override;
 
     // From the call of Wideseek_SearchUnion to the page at the callback object, and to the end of the work on the
@@ -30,9 +33,9 @@ public:
     Took type(const std::string& key) override;
     Page page() const override;
 
-    // The times of empty requests while no source has any contact: what the two hand-overs, caller to search thread to
-    // callback object, take by themselves.
-    std::vector<Nanoseconds> emptyRequests(std::size_t count);
+    // The times of the empty requests so far. No source has any contact meanwhile: what they take is what the two
+    // hand-overs, caller to search thread to callback object, take by themselves.
+    const std::vector<Nanoseconds>& emptyRequests() const { return m_emptyRequests; }
 
     // How long the caller's thread is held up by what it may do, while a search for key runs and while none does.
     struct CallerTimes {
@@ -67,10 +70,13 @@ private:
     void request(const std::string& key);
     void timeCalls(const std::string& key, CallerTimes& times);
     void await(const std::string& key, const std::function<bool()>& finished);
-    void useFiles();
+    void setContacts(const std::shared_ptr<host::ContactSource>& local, const std::shared_ptr<host::ContactSource>& calls);
 
     TemporaryFolder m_root;
     host::Phone m_phone;
+    std::shared_ptr<host::ContactSource> m_local;
+    std::shared_ptr<host::ContactSource> m_calls;
+    std::vector<Nanoseconds> m_emptyRequests;
     Screen m_screen;
     Trace m_trace;
 };

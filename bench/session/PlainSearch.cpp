@@ -19,13 +19,13 @@ bool matches(const DirectorySearchData& contact, const std::string& key, bool di
         (contains(contact.strNumber1, key) || contains(contact.strNumber2, key) || contains(contact.strNumber3, key))) {
         return true;
     }
-    const std::string name = host::text::folded(contact.strName);
-    if (!digits) {
-        return contains(name, key);
+    std::string form;
+    if (digits) {
+        host::text::appendKeypadForm(contact.strName, form);
+    } else {
+        host::text::appendFolded(contact.strName, form);
     }
-    std::string keypadForm;
-    host::text::appendKeypadForm(name, keypadForm);
-    return contains(keypadForm, key);
+    return contains(form, key);
 }
 
 std::list<WideseekItemData> rowsOf(const Population& population, const std::string& typed) {

@@ -123,7 +123,15 @@ bool CWideseekAction::MyRemoveFilter(const ItemData& item) {
     return true;
 }
 
+void CWideseekAction::MyClearFilter() {
+    m_mapFilter.clear();
+    m_itFilter = m_mapFilter.end();
+}
+
 void CWideseekAction::MyRemoveFilter(const std::list<ItemData>& listDropped) {
+    if (m_mapFilter.empty()) {
+        return;
+    }
     if (listDropped.size() <= m_mapFilter.size() / 3 * 2) {
         for (const Place& place : InFilterOrder(listDropped)) {
             MyRemoveFilter(*place.itRow);
@@ -131,8 +139,7 @@ void CWideseekAction::MyRemoveFilter(const std::list<ItemData>& listDropped) {
         return;
     }
     // To begin anew with the few that are left is less work.
-    m_mapFilter.clear();
-    m_itFilter = m_mapFilter.end();
+    MyClearFilter();
     for (const ResultData* pBucket : m_listResultData) {
         for (const Place& place : InFilterOrder(pBucket->listItem)) {
             MyAddFilter(*place.itRow);

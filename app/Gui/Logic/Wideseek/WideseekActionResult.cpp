@@ -80,8 +80,7 @@ bool CWideseekAction::MyClearResult() {
     }
     app_log(LOG_MODULE_WIDESEEK, LOG_LEVEL_INFO, "MyClearResult----------- UN LOCK-----------------\n");
     m_csResult.Unlock();
-    m_mapFilter.clear();
-    m_itFilter = m_mapFilter.end();
+    MyClearFilter();
     return true;
 }
 
