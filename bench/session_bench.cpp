@@ -18,6 +18,7 @@
 // Beside that: the two hand-overs of an empty request, which goes before each session; what the caller's thread waits
 // while a full search runs; and the memory that the rows take.
 
+#include "bench/session/AwakeProcessors.h"
 #include "bench/session/Fts5Search.h"
 #include "bench/session/LivePhone.h"
 #include "bench/session/Memory.h"
@@ -35,6 +36,7 @@
 #include <iostream>
 #include <map>
 #include <optional>
+#include <thread>
 #include <unordered_map>
 
 namespace {
@@ -43,6 +45,8 @@ using namespace bench;
 using Json = nlohmann::ordered_json;
 
 constexpr std::size_t callerRounds = 50;
+constexpr std::size_t pauses = 100;
+constexpr std::chrono::milliseconds pause(10);
 constexpr const char* everybody = "4"; // in every main number
 
 struct Options {
@@ -217,13 +221,14 @@ Json measureCaller(const Population& population) {
 Json memory(const Population& population) {
     const MemoryUse use = measureMemory(population);
     std::printf("memory with %zu rows\n"
-                "  %.0f bytes per row held, %.2f times a row with its two nodes (%.0f); %.0f at the peak\n"
+                "  %.0f bytes per row held, %.0f while LDAP may answer; %.0f at the peak; a row with two nodes: %.0f\n"
                 "  allocations per row: %.2f by the module, %.2f by the sources\n"
                 "  allocations in all: %.0f when every row is looked at and stays, %.0f for the page again\n",
-                use.rows, use.bytesHeld, use.bytesHeld / use.bytesOfRow, use.bytesOfRow, use.bytesAtPeak,
-                use.madePerRow, use.madeBySources, use.madeByNarrowing, use.madeByRepeat);
+                use.rows, use.bytesHeld, use.bytesHeldForLdap, use.bytesAtPeak, use.bytesOfRow, use.madePerRow,
+                use.madeBySources, use.madeByNarrowing, use.madeByRepeat);
     return {{"rows", use.rows},
             {"bytes held", use.bytesHeld},
+            {"bytes held for LDAP", use.bytesHeldForLdap},
             {"bytes of row", use.bytesOfRow},
             {"bytes at peak", use.bytesAtPeak},
             {"allocations", use.madePerRow},
@@ -232,9 +237,30 @@ Json memory(const Population& population) {
             {"allocations repeating", use.madeByRepeat}};
 }
 
+// What a person finds who types after a pause, the processors asleep.
+Json measureAfterPauses(const Population& population) {
+    LivePhone phone(population);
+    for (std::size_t i = 0; i < pauses; ++i) {
+        std::this_thread::sleep_for(pause);
+        phone.begin();
+    }
+    Json result = json(summaryOf(phone.emptyRequests()));
+    print("after", {{"a pause", result}});
+    return result;
+}
+
 int run(const Options& options) {
     std::size_t wrong = 0;
     Json result{{"typed", options.typed}, {"sizes", Json::array()}};
+    if (options.wants("wideseek")) {
+        result["empty request after a pause"] = measureAfterPauses(makePopulation(options.contacts.front()));
+    }
+    const AwakeProcessors awake;
+    result["kept awake"] = awake.areKept();
+    if (!awake.areKept()) {
+        std::cerr << "session_bench: the processors cannot be kept awake (" << awake.problem()
+                  << "); how long they take to wake is part of the times. Run it as root to leave it out.\n";
+    }
     for (const std::size_t contacts : options.contacts) {
         result["sizes"].push_back(measureSessions(options, contacts, wrong));
     }

@@ -32,7 +32,8 @@ a key is marked as searched whatever was reset | WideseekAction.cpp | s/if (m_uF
 every key narrows | WideseekAction.cpp | s/!strLastKey.empty() && strKey.compare/strKey.compare/
 what one source found is forgotten by the next | WideseekActionMerge.cpp | s/MyAddFilter(\*place.itRow, true);/(void)place;/
 a row is looked for beside the last one only | WideseekActionMerge.cpp | s/^    return m_mapFilter.lower_bound(item);/    return it;/
-the filter forgets where it was looked at | WideseekActionResult.cpp | s/^    m_itFilter = m_mapFilter.end();//
+a cleared filter is looked at where it was | WideseekActionMerge.cpp | s/^    m_itFilter = m_mapFilter.end();//
+the filter is let go of before LDAP answers | WideseekActionSource.cpp | s/if (MyFindResultByType(SOURCE_ID_LDAP) == nullptr)/if (!m_listResultData.empty())/
 the second number's row shows the first one | WideseekActionMerge.cpp | s/row.strNumber = \*arrNumber\[i\];/row.strNumber = *arrNumber[i == 1 ? 0 : i];/
 a row forgets the contact's third number | WideseekActionMerge.cpp | s/arrNumber\[i == 2 ? 1 : 2\]/arrNumber[1]/
 calls without name and number are offered | WideseekActionRecent.cpp | s/(pCall->strName.empty() && pCall->strNumber.empty())/pCall->strExtra == "-"/
@@ -42,7 +43,7 @@ a total is one too small | WideseekActionResult.cpp | /::MyCopyResult/,/^}/s/iIn
 narrowing leaves what it drops in the filter | WideseekActionResult.cpp | s/MyRemoveFilter(listDropped);//
 a dropped row stays in the filter when most stay | WideseekActionMerge.cpp | s/^            MyRemoveFilter(\*place.itRow);/(void)place;/
 a filter begun anew forgets what is left | WideseekActionMerge.cpp | s/^            MyAddFilter(\*place.itRow);/(void)place;/
-a filter begun anew keeps what was dropped | WideseekActionMerge.cpp | /::MyRemoveFilter(const std::list/,/^}/s/m_mapFilter.clear();//
+a filter begun anew keeps what was dropped | WideseekActionMerge.cpp | /::MyRemoveFilter(const std::list/,/^}/s/MyClearFilter();//
 narrowing does not note its key | WideseekActionResult.cpp | /::MySearchFromResult/,/^}/s/MyMarkSearched(strKey);//
 a refused narrowing leaves the shorter key | WideseekActionResult.cpp | /::MySearchFromResult/,/^}/s/MyForgetSearched();//
 narrowing goes through failed sources | WideseekActionResult.cpp | /::MyNarrowRows/,/^}/s/!= RESULT_STATE_DONE/== RESULT_STATE_SEARCHING/

@@ -17,8 +17,11 @@ namespace bench {
 
 class LivePhone : public KeySearch {
 public:
-    // Throws std::runtime_error when a contact file is not as it should be; type does when no page comes.
-    explicit LivePhone(const Population& population);
+    enum class Ldap { none, silent };
+
+    // silent: LDAP is the last of the sources, and never answers. Throws std::runtime_error when a contact file is not
+    // as it should be; type does when no page comes.
+    explicit LivePhone(const Population& population, Ldap ldap = Ldap::none);
     ~LivePhone() override;
     LivePhone(const LivePhone&) = delete;
     LivePhone& operator=(const LivePhone&) = delete;

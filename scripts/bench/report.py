@@ -51,7 +51,7 @@ def machine(data):
     cpuinfo = Path("/proc/cpuinfo").read_text() if os.path.exists("/proc/cpuinfo") else ""
     model = re.search(r"model name\s*: (.*)", cpuinfo)
     return (f"Measured on {model[1] if model else platform.machine()}, {os.cpu_count()} cores; "
-            f"{data['typed']} contacts typed.")
+            f"{'kept awake' if data['kept awake'] else 'free to sleep'}; {data['typed']} contacts typed.")
 
 
 def sessions(data):
@@ -66,6 +66,9 @@ def sessions(data):
         empty = size["empty request"]
         rows.append([f"{size['contacts']:,} contacts: empty request", time(empty["median"]),
                      time(empty["percentile99"]), "", "", ""])
+    empty = data["empty request after a pause"]
+    rows.append(["empty request after a pause, the processors asleep", time(empty["median"]),
+                 time(empty["percentile99"]), "", "", ""])
     return table(["", "median key", "99%", "total", "one digit, median", "one digit, slowest"], rows)
 
 
@@ -99,8 +102,10 @@ def caller(data):
 def memory(data, size):
     use = data["memory"]
     return table([f"{use['rows']:,} rows held", ""], [
-        ["bytes per row", number(use["bytes held"])],
-        ["a row with its characters, its list node and its filter node", number(use["bytes of row"])],
+        ["a row with its characters, its list node and its filter node, bytes", number(use["bytes of row"])],
+        ["bytes per row while LDAP may yet answer", number(use["bytes held for LDAP"])],
+        ["ratio", ratio(use["bytes held for LDAP"] / use["bytes of row"], 1.3)],
+        ["bytes per row when every source has answered", number(use["bytes held"])],
         ["ratio", ratio(use["bytes held"] / use["bytes of row"], 1.3)],
         ["bytes per row at the peak of a full search, its hits included", number(use["bytes at peak"])],
         ["allocations per row in a full search, by the library", number(use["allocations"])],
