@@ -221,14 +221,13 @@ Json measureCaller(const Population& population) {
 Json memory(const Population& population) {
     const MemoryUse use = measureMemory(population);
     std::printf("memory with %zu rows\n"
-                "  %.0f bytes per row held, %.0f while LDAP may answer; %.0f at the peak; a row with two nodes: %.0f\n"
+                "  %.0f bytes per row held, %.2f times a row with its two nodes (%.0f); %.0f at the peak\n"
                 "  allocations per row: %.2f by the module, %.2f by the sources\n"
                 "  allocations in all: %.0f when every row is looked at and stays, %.0f for the page again\n",
-                use.rows, use.bytesHeld, use.bytesHeldForLdap, use.bytesAtPeak, use.bytesOfRow, use.madePerRow,
-                use.madeBySources, use.madeByNarrowing, use.madeByRepeat);
+                use.rows, use.bytesHeld, use.bytesHeld / use.bytesOfRow, use.bytesOfRow, use.bytesAtPeak,
+                use.madePerRow, use.madeBySources, use.madeByNarrowing, use.madeByRepeat);
     return {{"rows", use.rows},
             {"bytes held", use.bytesHeld},
-            {"bytes held for LDAP", use.bytesHeldForLdap},
             {"bytes of row", use.bytesOfRow},
             {"bytes at peak", use.bytesAtPeak},
             {"allocations", use.madePerRow},
@@ -244,7 +243,7 @@ Json measureAfterPauses(const Population& population) {
         std::this_thread::sleep_for(pause);
         phone.begin();
     }
-    Json result = json(summaryOf(phone.emptyRequests()));
+    Json result = json(summaryOf(phone.clearings()));
     print("after", {{"a pause", result}});
     return result;
 }

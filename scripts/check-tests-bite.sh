@@ -33,7 +33,6 @@ every key narrows | WideseekAction.cpp | s/!strLastKey.empty() && strKey.compare
 what one source found is forgotten by the next | WideseekActionMerge.cpp | s/MyAddFilter(\*place.itRow, true);/(void)place;/
 a row is looked for beside the last one only | WideseekActionMerge.cpp | s/^    return m_mapFilter.lower_bound(item);/    return it;/
 a cleared filter is looked at where it was | WideseekActionMerge.cpp | s/^    m_itFilter = m_mapFilter.end();//
-the filter is let go of before LDAP answers | WideseekActionSource.cpp | s/if (MyFindResultByType(SOURCE_ID_LDAP) == nullptr)/if (!m_listResultData.empty())/
 the second number's row shows the first one | WideseekActionMerge.cpp | s/row.strNumber = \*arrNumber\[i\];/row.strNumber = *arrNumber[i == 1 ? 0 : i];/
 a row forgets the contact's third number | WideseekActionMerge.cpp | s/arrNumber\[i == 2 ? 1 : 2\]/arrNumber[1]/
 calls without name and number are offered | WideseekActionRecent.cpp | s/(pCall->strName.empty() && pCall->strNumber.empty())/pCall->strExtra == "-"/
@@ -44,6 +43,8 @@ narrowing leaves what it drops in the filter | WideseekActionResult.cpp | s/MyRe
 a dropped row stays in the filter when most stay | WideseekActionMerge.cpp | s/^            MyRemoveFilter(\*place.itRow);/(void)place;/
 a filter begun anew forgets what is left | WideseekActionMerge.cpp | s/^            MyAddFilter(\*place.itRow);/(void)place;/
 a filter begun anew keeps what was dropped | WideseekActionMerge.cpp | /::MyRemoveFilter(const std::list/,/^}/s/MyClearFilter();//
+rows of one name match alike | WideseekActionResult.cpp | s/return (a.strNumber == b.strNumber2 .*/return true ||/
+contacts of one number match alike | WideseekActionResult.cpp | s/if (a.strName != b.strName)/if (a.strName.empty())/
 narrowing does not note its key | WideseekActionResult.cpp | /::MySearchFromResult/,/^}/s/MyMarkSearched(strKey);//
 a refused narrowing leaves the shorter key | WideseekActionResult.cpp | /::MySearchFromResult/,/^}/s/MyForgetSearched();//
 narrowing goes through failed sources | WideseekActionResult.cpp | /::MyNarrowRows/,/^}/s/!= RESULT_STATE_DONE/== RESULT_STATE_SEARCHING/

@@ -59,6 +59,15 @@ TEST(Search, ListsWhatNarrowingLeftOnceAndWhatItDroppedAgainWhenLdapAnswers) {
     EXPECT_EQ(phone.last(), "Ann 51, Rob 59; 59 0+10 of 2");
 }
 
+TEST(Search, NarrowsContactsWithTheSameNumbersByTheirNames) {
+    SteppedPhone phone({localId});
+    phone.local->contacts = {{"Ann", {"61", "62"}}, {"Bob", {"61", "62"}}};
+    Screen screen;
+    phone.type("26", screen);
+    phone.type("266", screen);
+    EXPECT_EQ(screen.rows(), "Ann 61, Ann 62");
+}
+
 TEST(Action, GivesThePageLastCutWhole) {
     SteppedPhone phone({localId});
     phone.local->contacts = {{"A", {"51"}}, {"B", {"52"}}};

@@ -4,7 +4,6 @@
 #include "app/Gui/Logic/Wideseek/WideseekController.h"
 #include "app/Gui/Logic/Wideseek/modWideseek.h"
 #include "host/FileDirectory.h"
-#include "host/LdapDirectory.h"
 
 #include <optional>
 #include <stdexcept>
@@ -25,14 +24,8 @@ public:
     bool search(const std::string&, OxList<DirectorySearchData>&, std::string&) override { return true; }
 };
 
-class SilentLdap : public host::LdapDirectory {
-public:
-    void start(host::LdapQuery /*query*/, Done /*done*/) override {}
-    void abandon() override {}
-};
-
-std::filesystem::path written(const Population& population, const std::filesystem::path& root, bool withLdap) {
-    writePhone(population, root, withLdap);
+std::filesystem::path written(const Population& population, const std::filesystem::path& root) {
+    writePhone(population, root);
     std::this_thread::sleep_for(untilFilesSettle);
     return root;
 }
@@ -63,8 +56,8 @@ void LivePhone::Trace::onTrace(const host::TraceEvent& event) {
     }
 }
 
-LivePhone::LivePhone(const Population& population, Ldap ldap)
-    : m_phone({.root = written(population, m_root.path(), ldap == Ldap::silent),
+LivePhone::LivePhone(const Population& population)
+    : m_phone({.root = written(population, m_root.path()),
                .driver = host::Driver::live,
                .ldapDelay = {},
                .contactFiles = true,
@@ -75,7 +68,6 @@ LivePhone::LivePhone(const Population& population, Ldap ldap)
     m_local = over("config/contacts/local_directory.csv");
     m_calls = over(callLogContacts);
     setContacts(m_local, m_calls);
-    m_phone.setLdap(std::make_shared<SilentLdap>());
     if (!Wideseek_PreInit()) {
         throw std::runtime_error("the search library could not be started: no memory for it");
     }
@@ -100,6 +92,7 @@ void LivePhone::setContacts(const std::shared_ptr<host::ContactSource>& local,
 void LivePhone::begin() {
     const auto none = std::make_shared<NoContacts>();
     setContacts(none, none);
+    m_clearings.push_back(type("").page);
     m_emptyRequests.push_back(type("").page);
     setContacts(m_local, m_calls);
 }

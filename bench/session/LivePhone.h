@@ -17,18 +17,15 @@ namespace bench {
 
 class LivePhone : public KeySearch {
 public:
-    enum class Ldap { none, silent };
-
-    // silent: LDAP is the last of the sources, and never answers. Throws std::runtime_error when a contact file is not
-    // as it should be; type does when no page comes.
-    explicit LivePhone(const Population& population, Ldap ldap = Ldap::none);
+    // Throws std::runtime_error when a contact file is not as it should be; type does when no page comes.
+    explicit LivePhone(const Population& population);
     ~LivePhone() override;
     LivePhone(const LivePhone&) = delete;
     LivePhone& operator=(const LivePhone&) = delete;
 
     bool isStateless() const override { return false; }
 
-    // Also makes an empty request, as a screen does whose search box is cleared, and notes its time.
+    // Clears the search box as a screen does, with an empty request, which frees the rows; notes what another one takes.
     void begin() override;
 
     // From the call of Wideseek_SearchUnion to the page at the callback object, and to the end of the work on the
@@ -36,8 +33,9 @@ public:
     Took type(const std::string& key) override;
     Page page() const override;
 
-    // The times of the empty requests so far. No source has any contact meanwhile: what they take is what the two
-    // hand-overs, caller to search thread to callback object, take by themselves.
+    // The times of those two empty requests so far. No source has any contact meanwhile: what the second one takes is
+    // what the two hand-overs, caller to search thread to callback object, take by themselves.
+    const std::vector<Nanoseconds>& clearings() const { return m_clearings; }
     const std::vector<Nanoseconds>& emptyRequests() const { return m_emptyRequests; }
 
     // How long the caller's thread is held up by what it may do, while a search for key runs and while none does.
@@ -79,6 +77,7 @@ private:
     host::Phone m_phone;
     std::shared_ptr<host::ContactSource> m_local;
     std::shared_ptr<host::ContactSource> m_calls;
+    std::vector<Nanoseconds> m_clearings;
     std::vector<Nanoseconds> m_emptyRequests;
     Screen m_screen;
     Trace m_trace;

@@ -49,21 +49,10 @@ std::size_t bytesOfRows(const Population& population) {
     return bytes;
 }
 
-// By all rows, once every source has been asked.
-std::ptrdiff_t bytesHeld(const Population& population, LivePhone::Ldap ldap) {
-    LivePhone phone(population, ldap);
-    phone.begin();
-    phone.type(nobody);
-    const HeapMeter meter;
-    phone.type(everybody);
-    return meter.count().bytes;
-}
-
 } // namespace
 
 MemoryUse measureMemory(Population population) {
     population[buddies].clear();
-    const std::ptrdiff_t heldForLdap = bytesHeld(population, LivePhone::Ldap::silent);
     LivePhone phone(population);
     phone.begin();
     phone.type(nobody);
@@ -83,7 +72,6 @@ MemoryUse measureMemory(Population population) {
     use.rows = phone.page().total;
     const auto perRow = [rows = static_cast<double>(use.rows)](auto sum) { return static_cast<double>(sum) / rows; };
     use.bytesHeld = perRow(full.bytes);
-    use.bytesHeldForLdap = perRow(heldForLdap);
     use.bytesOfRow = perRow(bytesOfRows(population));
     use.bytesAtPeak = perRow(full.peak);
     use.madePerRow = perRow(full.allocations);

@@ -106,7 +106,7 @@ Population makePopulation(std::size_t contacts) {
     return population;
 }
 
-void writePhone(const Population& population, const std::filesystem::path& root, bool withLdap) {
+void writePhone(const Population& population, const std::filesystem::path& root) {
     const auto contacts = root / "config/contacts";
     writeContacts(population[localDirectory], contacts / "local_directory.csv");
     writeContacts(population[callLog], root / callLogContacts);
@@ -120,8 +120,7 @@ void writePhone(const Population& population, const std::filesystem::path& root,
            "  <item id_name=\"remote_directory_search\" enable=\"1\" priority=\"3\"/>\n"
            "  <item id_name=\"BroadSoft_directory_search\" enable=\"1\" priority=\"4\"/>\n"
            "  <item id_name=\"BroadSoft_UC_search\" enable=\"1\" priority=\"5\"/>\n"
-        << (withLdap ? "  <item id_name=\"ldap_search\" enable=\"1\" priority=\"6\"/>\n" : "")
-        << "</root_wideseek>\n";
+           "</root_wideseek>\n";
 }
 
 TemporaryFolder::TemporaryFolder() {

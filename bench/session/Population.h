@@ -27,8 +27,8 @@ Population makePopulation(std::size_t contacts);
 // call, and these contacts have up to three.
 inline constexpr const char* callLogContacts = "config/contacts/call_log_contacts.csv";
 
-// Writes contact files, buddies and source list below root; withLdap as the last of the sources.
-void writePhone(const Population& population, const std::filesystem::path& root, bool withLdap);
+// Writes contact files, buddies and source list below root.
+void writePhone(const Population& population, const std::filesystem::path& root);
 
 // A folder of its own for as long as it lives.
 class TemporaryFolder {

@@ -102,10 +102,8 @@ def caller(data):
 def memory(data, size):
     use = data["memory"]
     return table([f"{use['rows']:,} rows held", ""], [
-        ["a row with its characters, its list node and its filter node, bytes", number(use["bytes of row"])],
-        ["bytes per row while LDAP may yet answer", number(use["bytes held for LDAP"])],
-        ["ratio", ratio(use["bytes held for LDAP"] / use["bytes of row"], 1.3)],
-        ["bytes per row when every source has answered", number(use["bytes held"])],
+        ["bytes per row", number(use["bytes held"])],
+        ["a row with its characters, its list node and its filter node", number(use["bytes of row"])],
         ["ratio", ratio(use["bytes held"] / use["bytes of row"], 1.3)],
         ["bytes per row at the peak of a full search, its hits included", number(use["bytes at peak"])],
         ["allocations per row in a full search, by the library", number(use["allocations"])],

@@ -10,7 +10,7 @@
 //   - for any other key asks every enabled source afresh (full search).
 //
 // Rows are kept in one bucket per enabled source, in the configured order, and a name and number that one bucket holds
-// is not taken into another (the filter, which is let go of as soon as no source is left to answer). When every source has finished, or the rows in front of the first source that
+// is not taken into another (the filter). When every source has finished, or the rows in front of the first source that
 // is still searching fill the page, the page is sent to the callback object, which is then forgotten: one page per
 // request. LDAP alone answers later. It holds the first page up for 100 ms at most; what it brings after that is sent
 // as one more page.
@@ -223,7 +223,7 @@ private:
 
     void MyClearFilter() CH_REQUIRES(m_csWork);
 
-    // Of rows that no bucket holds any more.
+    // Of rows that no bucket holds any more. Needed only while a source may yet answer.
     void MyRemoveFilter(const std::list<ItemData>& listDropped) CH_REQUIRES(m_csWork);
 
     // Where the row stands in the filter or would stand. Rows are looked up in the filter's order: where the last one
@@ -261,7 +261,7 @@ private:
     static void MyAppendRecent(const OxVector<GeneralDirItemData>& vecItem, WideseekListData& page);
 
     std::list<ResultData*> m_listResultData CH_GUARDED_BY(m_csWork); // one per enabled source; owned
-    Filter m_mapFilter CH_GUARDED_BY(m_csWork);                      // names and numbers held, while one may yet come
+    Filter m_mapFilter CH_GUARDED_BY(m_csWork);                      // the names and numbers that some bucket holds
     std::string m_strLastKey CH_GUARDED_BY(m_csRequest);             // the key whose result the buckets hold
     WideseekListData* m_pResultList;                                 // the page; owned, contents guarded by m_csPage
     int m_iSearchMode CH_GUARDED_BY(m_csWork);

@@ -129,9 +129,6 @@ void CWideseekAction::MyClearFilter() {
 }
 
 void CWideseekAction::MyRemoveFilter(const std::list<ItemData>& listDropped) {
-    if (m_mapFilter.empty()) {
-        return;
-    }
     if (listDropped.size() <= m_mapFilter.size() / 3 * 2) {
         for (const Place& place : InFilterOrder(listDropped)) {
             MyRemoveFilter(*place.itRow);

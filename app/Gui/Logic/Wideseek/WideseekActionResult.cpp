@@ -34,6 +34,17 @@ void FetchAhead(const CWideseekAction::ItemData& item) {
     __builtin_prefetch(&item.strNameKey);
 }
 
+// Whether two rows of one source have the same name and the same numbers, in the orders in which a contact is split into
+// rows. What matches one of them then matches the other.
+bool IsSameContact(const CWideseekAction::ItemData& a, const CWideseekAction::ItemData& b) {
+    if (a.strName != b.strName) {
+        return false;
+    }
+    return (a.strNumber == b.strNumber2 && a.strNumber2 == b.strNumber && a.strNumber3 == b.strNumber3) ||
+           (a.strNumber == b.strNumber3 && a.strNumber2 == b.strNumber2 && a.strNumber3 == b.strNumber) ||
+           (a.strNumber == b.strNumber2 && a.strNumber2 == b.strNumber3 && a.strNumber3 == b.strNumber);
+}
+
 bool IsMatch(const std::string& strField, const std::string& strKey) {
     return CommonAPI_StringMatch(strField, strKey, false, STRING_MATCH_CONTAINS) != 0;
 }
@@ -203,8 +214,11 @@ bool CWideseekAction::MySearchFromResult(std::string strKey, std::string strRawK
     MySetPage(page);
     MyMarkSearched(strKey);
     MyCallback(strKey, strRawKey);
-    // Nobody waits for this part of the work, and nothing asks the filter before it is done.
-    MyRemoveFilter(listDropped);
+    // Of the sources, only LDAP answers after a full search. Without it, nothing asks the filter until it is cleared.
+    if (MyFindResultByType(SOURCE_ID_LDAP) != nullptr) {
+        // Nobody waits for this part of the work, and nothing asks the filter before it is done.
+        MyRemoveFilter(listDropped);
+    }
     return true;
 }
 
@@ -215,6 +229,8 @@ void CWideseekAction::MyNarrowRows(const std::string& strKey, int iFirst, int iE
         if (pBucket->iState != RESULT_STATE_DONE) {
             continue;
         }
+        const ItemData* pLast = nullptr;
+        bool bMatch = false;
         for (auto it = pBucket->listItem.begin(); it != pBucket->listItem.end();) {
             const auto itRow = it++;
             if (it != pBucket->listItem.end()) {
@@ -223,7 +239,11 @@ void CWideseekAction::MyNarrowRows(const std::string& strKey, int iFirst, int iE
             if (itRow->IsBlank()) {
                 continue;
             }
-            if (!MyIsMatch(*itRow, strKey)) {
+            if (pLast == nullptr || !IsSameContact(*pLast, *itRow)) {
+                bMatch = MyIsMatch(*itRow, strKey);
+            }
+            pLast = &*itRow;
+            if (!bMatch) {
                 listDropped.splice(listDropped.end(), pBucket->listItem, itRow);
                 continue;
             }

@@ -53,10 +53,6 @@ bool CWideseekAction::MyReSearch(std::string strKey, std::string strRawKey) {
     if (list.listItem.empty()) {
         MyCheckResult(strKey, strRawKey);
     }
-    if (MyFindResultByType(SOURCE_ID_LDAP) == nullptr) {
-        // Only LDAP answers later. Nothing asks the filter before the next full search, which begins with an empty one.
-        MyClearFilter();
-    }
     return true;
 }
 
