@@ -8,9 +8,9 @@ namespace host::text {
 
 namespace {
 
-// The high bit of every byte of word that is zero.
+// The high bit of every byte of word that is zero, and perhaps of bytes behind the first of them. 0 when none is zero.
 Word zeroBytes(Word word) {
-    return ~(((word & lowBits) + lowBits) | word | lowBits);
+    return (word - everyByte(1)) & ~word & highBits;
 }
 
 } // namespace
@@ -32,7 +32,7 @@ std::size_t findBytes(std::string_view hay, std::string_view needle, std::size_t
         const Word difference = (load(begin + at) ^ first) | (load(begin + at + toLast) ^ last);
         for (Word marks = zeroBytes(difference); marks != 0; marks &= marks - 1) {
             const std::size_t place = at + firstMarked(marks);
-            if (std::memcmp(begin + place + 1, needle.data() + 1, toLast) == 0) {
+            if (std::memcmp(begin + place, needle.data(), needle.size()) == 0) {
                 return place;
             }
         }
