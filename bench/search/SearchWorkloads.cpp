@@ -37,12 +37,11 @@ PageCut::PageCut(std::size_t rows, bool deep) : m_search(scripted(rows)) {
     m_from = deep ? static_cast<int>(m_search.rows()) - 10 : 0;
 }
 
-Narrow::Narrow(std::size_t rows, Typed typed, unsigned percent, bool withLdap)
-    : Narrow(NarrowingPeople(rows, typed, percent), withLdap) {
+Narrow::Narrow(std::size_t rows, Typed typed, unsigned percent) : Narrow(NarrowingPeople(rows, typed, percent)) {
 }
 
-Narrow::Narrow(NarrowingPeople people, bool withLdap)
-    : m_search(std::make_shared<AllPeople>(std::move(people.people)), withLdap), m_first(std::move(people.first)),
+Narrow::Narrow(NarrowingPeople people)
+    : m_search(std::make_shared<AllPeople>(std::move(people.people))), m_first(std::move(people.first)),
       m_second(std::move(people.second)) {
 }
 

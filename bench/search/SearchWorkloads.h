@@ -45,15 +45,14 @@ private:
 
 class Narrow : public Workload {
 public:
-    // withLdap: among the sources, so that the filter is kept up to date for its answer, which does not come.
-    Narrow(std::size_t rows, Typed typed, unsigned percent, bool withLdap);
+    Narrow(std::size_t rows, Typed typed, unsigned percent);
     bool isUsedUp() const override { return true; }
     void prepare() override { m_search.searchAfresh(m_first); }
     void run() override { m_search.search(m_second); }
     std::size_t rows() const override { return m_search.rows(); }
 
 private:
-    Narrow(NarrowingPeople people, bool withLdap);
+    explicit Narrow(NarrowingPeople people);
 
     SearchOnThisThread m_search;
     std::string m_first;

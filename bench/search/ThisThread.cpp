@@ -9,7 +9,6 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
-#include <string_view>
 #include <utility>
 
 #include <unistd.h>
@@ -24,32 +23,29 @@ public:
     void abandon() override {}
 };
 
-// A folder for the files of a phone with or without LDAP, gone at the end.
+// A folder for the phone's files, gone at the end.
 class Folder {
 public:
-    static const std::filesystem::path& path(bool withLdap) {
-        static const Folder with("ldap", R"(<item id_name="ldap_search" enable="1" priority="2"/>)");
-        static const Folder without("local", "");
-        return withLdap ? with.m_path : without.m_path;
-    }
-
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-
-private:
-    Folder(const std::string& name, std::string_view secondSource)
-        : m_path(std::filesystem::temp_directory_path() /
-                 ("wideseek-bench-" + std::to_string(getpid()) + "-" + name)) {
+    Folder() : m_path(std::filesystem::temp_directory_path() / ("wideseek-bench-" + std::to_string(getpid()))) {
         std::filesystem::create_directories(m_path / "config/data");
-        std::ofstream(m_path / "config/data/wideseek.xml")
-            << R"(<root_wideseek><item id_name="local_directory_search" enable="1" priority="1"/>)" << secondSource
-            << "</root_wideseek>";
+        std::ofstream(m_path / "config/data/wideseek.xml") << R"(<root_wideseek>
+            <item id_name="local_directory_search" enable="1" priority="1"/>
+            <item id_name="ldap_search" enable="1" priority="2"/>
+            </root_wideseek>)";
     }
     ~Folder() {
         std::error_code ignored;
         std::filesystem::remove_all(m_path, ignored);
     }
+    Folder(const Folder&) = delete;
+    Folder& operator=(const Folder&) = delete;
 
+    static const std::filesystem::path& path() {
+        static const Folder folder;
+        return folder.m_path;
+    }
+
+private:
     std::filesystem::path m_path;
 };
 
@@ -83,7 +79,7 @@ People peopleOfRows(std::size_t rows) {
 }
 
 std::shared_ptr<host::ContactSource> fileOf(const People& people) {
-    const auto path = Folder::path(true) / ("contacts-" + std::to_string(people.size()) + ".csv");
+    const auto path = Folder::path() / ("contacts-" + std::to_string(people.size()) + ".csv");
     std::ofstream file(path);
     file << "name,number1,number2,number3,extra\n";
     for (const DirectorySearchData& person : people) {
@@ -96,8 +92,8 @@ std::shared_ptr<host::ContactSource> fileOf(const People& people) {
     return std::make_shared<host::FileDirectory>(path, nullptr);
 }
 
-SearchOnThisThread::SearchOnThisThread(std::shared_ptr<host::ContactSource> source, bool withLdap)
-    : m_phone({.root = Folder::path(withLdap),
+SearchOnThisThread::SearchOnThisThread(std::shared_ptr<host::ContactSource> source)
+    : m_phone({.root = Folder::path(),
                .driver = host::Driver::stepped,
                .ldapDelay = {},
                .contactFiles = false,

@@ -32,8 +32,8 @@ std::shared_ptr<host::ContactSource> fileOf(const People& people);
 
 class SearchOnThisThread {
 public:
-    // Starts the search over this local directory and, withLdap, an LDAP directory that is asked and never answers.
-    explicit SearchOnThisThread(std::shared_ptr<host::ContactSource> source, bool withLdap = true);
+    // Starts the search over this local directory and an LDAP directory that is asked and never answers.
+    explicit SearchOnThisThread(std::shared_ptr<host::ContactSource> source);
     ~SearchOnThisThread();
     SearchOnThisThread(const SearchOnThisThread&) = delete;
     SearchOnThisThread& operator=(const SearchOnThisThread&) = delete;

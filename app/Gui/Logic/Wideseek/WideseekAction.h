@@ -223,7 +223,7 @@ private:
 
     void MyClearFilter() CH_REQUIRES(m_csWork);
 
-    // Of rows that no bucket holds any more. Needed only while a source may yet answer.
+    // Of rows that no bucket holds any more.
     void MyRemoveFilter(const std::list<ItemData>& listDropped) CH_REQUIRES(m_csWork);
 
     // Where the row stands in the filter or would stand. Rows are looked up in the filter's order: where the last one

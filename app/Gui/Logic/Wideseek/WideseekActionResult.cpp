@@ -214,11 +214,8 @@ bool CWideseekAction::MySearchFromResult(std::string strKey, std::string strRawK
     MySetPage(page);
     MyMarkSearched(strKey);
     MyCallback(strKey, strRawKey);
-    // Of the sources, only LDAP answers after a full search. Without it, nothing asks the filter until it is cleared.
-    if (MyFindResultByType(SOURCE_ID_LDAP) != nullptr) {
-        // Nobody waits for this part of the work, and nothing asks the filter before it is done.
-        MyRemoveFilter(listDropped);
-    }
+    // Nobody waits for this part of the work, and nothing asks the filter before it is done.
+    MyRemoveFilter(listDropped);
     return true;
 }
 
