@@ -37,17 +37,17 @@ the second number's row shows the first one | WideseekActionMerge.cpp | s/row.st
 a row forgets the contact's third number | WideseekActionMerge.cpp | s/arrNumber\[i == 2 ? 1 : 2\]/arrNumber[1]/
 calls without name and number are offered | WideseekActionRecent.cpp | s/(pCall->strName.empty() && pCall->strNumber.empty())/pCall->strExtra == "-"/
 a page has a row too many | WideseekActionResult.cpp | /::MyCopyResult/,/^}/s/iIndex < iEnd/iIndex <= iEnd/
-a narrowed page lacks its first row | WideseekActionResult.cpp | /::MyNarrowRows/,/^}/s/iFirst <= iIndex/iFirst < iIndex/
+a narrowed page lacks its first row | WideseekActionNarrow.cpp | /::MyNarrowRows/,/^}/s/iFirst <= iIndex/iFirst < iIndex/
 a total is one too small | WideseekActionResult.cpp | /::MyCopyResult/,/^}/s/iIndex + 1/iIndex/
-narrowing leaves what it drops in the filter | WideseekActionResult.cpp | s/MyRemoveFilter(listDropped);//
+narrowing leaves what it drops in the filter | WideseekActionNarrow.cpp | s/MyRemoveFilter(listDropped);//
 a dropped row stays in the filter when most stay | WideseekActionMerge.cpp | s/^            MyRemoveFilter(\*place.itRow);/(void)place;/
 a filter begun anew forgets what is left | WideseekActionMerge.cpp | s/^            MyAddFilter(\*place.itRow);/(void)place;/
 a filter begun anew keeps what was dropped | WideseekActionMerge.cpp | /::MyRemoveFilter(const std::list/,/^}/s/MyClearFilter();//
-rows of one name match alike | WideseekActionResult.cpp | s/return (a.strNumber == b.strNumber2 .*/return true ||/
-contacts of one number match alike | WideseekActionResult.cpp | s/if (a.strName != b.strName)/if (a.strName.empty())/
-narrowing does not note its key | WideseekActionResult.cpp | /::MySearchFromResult/,/^}/s/MyMarkSearched(strKey);//
-a refused narrowing leaves the shorter key | WideseekActionResult.cpp | /::MySearchFromResult/,/^}/s/MyForgetSearched();//
-narrowing goes through failed sources | WideseekActionResult.cpp | /::MyNarrowRows/,/^}/s/!= RESULT_STATE_DONE/== RESULT_STATE_SEARCHING/
+rows of one name match alike | WideseekActionNarrow.cpp | s/return (a.strNumber == b.strNumber2 .*/return true ||/
+contacts of one number match alike | WideseekActionNarrow.cpp | s/if (a.strName != b.strName)/if (a.strName.empty())/
+narrowing does not note its key | WideseekActionNarrow.cpp | /::MySearchFromResult/,/^}/s/MyMarkSearched(strKey);//
+a refused narrowing leaves the shorter key | WideseekActionNarrow.cpp | /::MySearchFromResult/,/^}/s/MyForgetSearched();//
+narrowing goes through failed sources | WideseekActionNarrow.cpp | /::MyNarrowRows/,/^}/s/!= RESULT_STATE_DONE/== RESULT_STATE_SEARCHING/
 the timer is armed at every check | WideseekActionResult.cpp | s/bSearching && !m_bTimerWaiting/bSearching/
 the timer is armed for the first search only | WideseekActionSource.cpp | s/^    m_bTimerWaiting = false;//
 the timer is never armed | WideseekActionResult.cpp | s/bSearching && !m_bTimerWaiting/bSearching \&\& m_bTimerWaiting/

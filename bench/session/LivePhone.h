@@ -25,7 +25,8 @@ public:
 
     bool isStateless() const override { return false; }
 
-    // Clears the search box as a screen does, with an empty request, which frees the rows; notes what another one takes.
+    // Clears the search box as a screen does, with an empty request, which frees the rows; notes what another one
+    // takes.
     void begin() override;
 
     // From the call of Wideseek_SearchUnion to the page at the callback object, and to the end of the work on the
@@ -71,7 +72,8 @@ private:
     void request(const std::string& key);
     void timeCalls(const std::string& key, CallerTimes& times);
     void await(const std::string& key, const std::function<bool()>& finished);
-    void setContacts(const std::shared_ptr<host::ContactSource>& local, const std::shared_ptr<host::ContactSource>& calls);
+    void setContacts(const std::shared_ptr<host::ContactSource>& local,
+                     const std::shared_ptr<host::ContactSource>& calls);
 
     TemporaryFolder m_root;
     host::Phone m_phone;

@@ -8,8 +8,8 @@
 
 namespace host::text {
 
-// Whether the folded key occurs in the folded text (Fold.h), asWord with neither letter nor digit beside it. An empty key
-// occurs in everything.
+// Whether the folded key occurs in the folded text (Fold.h), asWord with neither letter nor digit beside it. An empty
+// key occurs in everything.
 bool isIn(std::string_view text, std::string_view key, bool asWord = false);
 
 } // namespace host::text

@@ -240,6 +240,17 @@ private:
     bool MyCheckResult(std::string strKey, std::string strRawKey) CH_REQUIRES(m_csWork);
     void MyArmTimer() CH_REQUIRES(m_csWork);
     bool MyCopyResult(std::string strKey, std::string strRawKey) CH_REQUIRES(m_csWork);
+    bool MyCallback(std::string strKey, std::string strRawKey) CH_REQUIRES(m_csWork);
+    bool MySend(CWideseekCBData* pData, const std::string& strKey) CH_REQUIRES(m_csWork);
+    void MyRestoreCallback() CH_REQUIRES(m_csWork);
+    bool MyGetPageBounds(int& iFirst, int& iEnd) CH_REQUIRES(m_csWork);
+    static void MyAppendRow(WideseekListData& page, const ItemData& item);
+    void MyEmptyPage() CH_REQUIRES(m_csWork);
+    void MySetPage(WideseekListData& page) CH_REQUIRES(m_csWork);
+    int MyDealTimeoutMessage(ETL_MsgQueueHelper::msgObject& msg);
+
+    // ---- narrowing (WideseekActionNarrow.cpp) ----
+
     bool MySearchFromResult(std::string strKey, std::string strRawKey) CH_REQUIRES(m_csWork);
 
     // What no longer matches goes into listDropped, and is still in the filter.
@@ -247,13 +258,6 @@ private:
                       std::list<ItemData>& listDropped) CH_REQUIRES(m_csWork);
 
     bool MyIsMatch(const ItemData& item, const std::string& strKey) const CH_REQUIRES(m_csWork);
-    bool MyCallback(std::string strKey, std::string strRawKey) CH_REQUIRES(m_csWork);
-    bool MySend(CWideseekCBData* pData, const std::string& strKey) CH_REQUIRES(m_csWork);
-    void MyRestoreCallback() CH_REQUIRES(m_csWork);
-    bool MyGetPageBounds(int& iFirst, int& iEnd) CH_REQUIRES(m_csWork);
-    void MyEmptyPage() CH_REQUIRES(m_csWork);
-    void MySetPage(WideseekListData& page) CH_REQUIRES(m_csWork);
-    int MyDealTimeoutMessage(ETL_MsgQueueHelper::msgObject& msg);
 
     // ---- recent calls (WideseekActionRecent.cpp) ----
 
