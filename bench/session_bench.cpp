@@ -30,12 +30,13 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <fstream>
 #include <iostream>
 #include <map>
-#include <optional>
+#include <memory>
 #include <thread>
 #include <unordered_map>
 
@@ -61,38 +62,55 @@ struct Options {
 };
 
 constexpr std::size_t comparedSessions = 60;
+constexpr std::size_t turn = 25; // sessions
 
 struct Answered {
     Took took;
     Page page;
 };
 
-// The answers to all keys of all sessions, in order.
-std::vector<Answered> answer(KeySearch& search, const std::vector<Session>& sessions) {
-    std::unordered_map<std::string, Answered> known;
-    std::vector<Answered> answers;
-    for (const Session& session : sessions) {
-        search.begin();
+// One of what is measured, and what it has answered.
+struct Contestant {
+    std::string name;
+    KeySearch* search = nullptr;
+    std::vector<Answered> answers;                   // to all keys so far, in order
+    std::unordered_map<std::string, Answered> known; // what a search that keeps nothing between keys need not be asked
+
+    void type(const Session& session) {
+        search->begin();
         for (const std::string& key : session.keys) {
             const auto at = known.find(key);
             if (at != known.end()) {
                 answers.push_back(at->second);
                 continue;
             }
-            const Took took = search.type(key);
-            answers.push_back({took, search.page()});
-            if (search.isStateless()) {
+            const Took took = search->type(key);
+            answers.push_back({took, search->page()});
+            if (search->isStateless()) {
                 known.emplace(key, answers.back());
             }
         }
     }
-    return answers;
+};
+
+// They take turns, some sessions each, so that whatever else the machine does meets all of them.
+void typeAll(const std::vector<Session>& sessions, std::vector<Contestant>& contestants) {
+    for (std::size_t from = 0; from < sessions.size(); from += turn) {
+        const std::size_t to = std::min(from + turn, sessions.size());
+        for (Contestant& contestant : contestants) {
+            std::cerr << "  sessions " << from + 1 << " to " << to << " of " << sessions.size() << " on "
+                      << contestant.name << " ...\n";
+            for (std::size_t i = from; i < to; ++i) {
+                contestant.type(sessions[i]);
+            }
+        }
+    }
 }
 
 // Types the first sessions once more, each key twice: its second page is cut when every source has answered, and counts
 // all rows. Gives the number of keys that another search answered differently; the first of them is told.
 std::size_t differences(LivePhone& phone, const std::vector<Session>& sessions,
-                        const std::map<std::string, std::vector<Answered>>& others) {
+                        const std::vector<Contestant>& contestants) {
     std::size_t count = 0;
     std::size_t at = 0;
     for (std::size_t i = 0; i < sessions.size() && i < comparedSessions; ++i) {
@@ -101,10 +119,12 @@ std::size_t differences(LivePhone& phone, const std::vector<Session>& sessions,
             phone.type(key);
             phone.type(key);
             const Page page = phone.page();
-            for (const auto& [name, answers] : others) {
-                if (answers[at].page != page && ++count == 1) {
-                    std::cerr << "session_bench: for \"" << key << "\", " << name << " finds " << answers[at].page.total
-                              << " rows, the library " << page.total << ", or other ones first\n";
+            for (const Contestant& other : contestants) {
+                // The library's own first pages count the rows of the sources that were asked by then.
+                if (other.search != &phone && other.answers[at].page != page && ++count == 1) {
+                    std::cerr << "session_bench: for \"" << key << "\", " << other.name << " finds "
+                              << other.answers[at].page.total << " rows, the library " << page.total
+                              << ", or other ones first\n";
                 }
             }
             ++at;
@@ -154,6 +174,9 @@ void print(const std::string& name, const Json& groups) {
 }
 
 std::unique_ptr<KeySearch> makeSearch(const std::string& name, const Population& population) {
+    if (name == "wideseek") {
+        return std::make_unique<LivePhone>(population);
+    }
     if (name == "floor") {
         return std::make_unique<ScanFloor>(population);
     }
@@ -163,40 +186,41 @@ std::unique_ptr<KeySearch> makeSearch(const std::string& name, const Population&
     return std::make_unique<Fts5Search>(population);
 }
 
-void measurePhone(LivePhone& phone, const std::vector<Session>& sessions, Json& result) {
+// What only the library has: a number of all rows, hand-overs, and work that goes on behind the page.
+void addPhone(LivePhone& phone, const Contestant& contestant, const std::vector<Session>& sessions, Json& result) {
+    result["empty request"] = json(summaryOf(phone.emptyRequests()));
+    result["wideseek, all work"] = groupsOf(contestant.answers, sessions, &Took::work);
+    print("wideseek", {{"empty", result["empty request"]}});
+    print("all work", result["wideseek, all work"]);
     phone.begin();
     phone.type(everybody);
     phone.type(everybody);
     result["rows"] = phone.page().total;
-    const auto answers = answer(phone, sessions);
-    result["empty request"] = json(summaryOf(phone.emptyRequests()));
-    result["wideseek"] = groupsOf(answers, sessions, &Took::page);
-    result["wideseek, all work"] = groupsOf(answers, sessions, &Took::work);
-    print("wideseek", {{"empty", result["empty request"]}});
-    print("wideseek", result["wideseek"]);
-    print("all work", result["wideseek, all work"]);
 }
 
 Json measureSessions(const Options& options, std::size_t contacts, std::size_t& wrong) {
     const Population population = makePopulation(contacts);
     const std::vector<Session> sessions = makeSessions(population, options.typed);
     std::printf("%zu contacts\n", contacts);
-    Json result{{"contacts", contacts}};
-    std::optional<LivePhone> phone;
-    if (options.wants("wideseek")) {
-        std::cerr << contacts << " contacts, wideseek ...\n";
-        measurePhone(phone.emplace(population), sessions, result);
-    }
-    std::map<std::string, std::vector<Answered>> others;
-    for (const std::string name : {"floor", "plain", "fts5"}) {
+    std::cerr << contacts << " contacts\n";
+    std::vector<std::unique_ptr<KeySearch>> searches;
+    std::vector<Contestant> contestants;
+    for (const char* const name : {"wideseek", "floor", "plain", "fts5"}) {
         if (options.wants(name)) {
-            std::cerr << contacts << " contacts, " << name << " ...\n";
-            others[name] = answer(*makeSearch(name, population), sessions);
-            result[name] = groupsOf(others[name], sessions, &Took::page);
-            print(name, result[name]);
+            searches.push_back(makeSearch(name, population));
+            contestants.push_back({name, searches.back().get(), {}, {}});
         }
     }
-    wrong += phone ? differences(*phone, sessions, others) : 0;
+    typeAll(sessions, contestants);
+    Json result{{"contacts", contacts}};
+    for (const Contestant& contestant : contestants) {
+        result[contestant.name] = groupsOf(contestant.answers, sessions, &Took::page);
+        print(contestant.name, result[contestant.name]);
+        if (auto* const phone = dynamic_cast<LivePhone*>(contestant.search)) {
+            addPhone(*phone, contestant, sessions, result);
+            wrong += differences(*phone, sessions, contestants);
+        }
+    }
     return result;
 }
 

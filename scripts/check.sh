@@ -27,8 +27,8 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 checks=(format headers symbols docs lint tests clang asan tsan fuzz run)
 by_name=(arm)
 
-# Builds a preset and runs its tests, but those that match a pattern. ThreadSanitizer cannot work where addresses are randomised as far as newer kernels
-# do it, hence no randomisation where that may be switched off.
+# Builds a preset and runs its tests, but those that match a pattern. ThreadSanitizer cannot work where addresses are
+# randomised as far as newer kernels do it, hence no randomisation where that may be switched off.
 test_preset() {
     local as_is=()
     setarch -R true 2>/dev/null && as_is=(setarch -R)
