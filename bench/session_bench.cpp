@@ -72,7 +72,7 @@ struct Answered {
 // One of what is measured, and what it has answered.
 struct Contestant {
     std::string name;
-    KeySearch* search = nullptr;
+    std::unique_ptr<KeySearch> search;
     std::vector<Answered> answers;                   // to all keys so far, in order
     std::unordered_map<std::string, Answered> known; // what a search that keeps nothing between keys need not be asked
 
@@ -121,7 +121,7 @@ std::size_t differences(LivePhone& phone, const std::vector<Session>& sessions,
             const Page page = phone.page();
             for (const Contestant& other : contestants) {
                 // The library's own first pages count the rows of the sources that were asked by then.
-                if (other.search != &phone && other.answers[at].page != page && ++count == 1) {
+                if (other.search.get() != &phone && other.answers[at].page != page && ++count == 1) {
                     std::cerr << "session_bench: for \"" << key << "\", " << other.name << " finds "
                               << other.answers[at].page.total << " rows, the library " << page.total
                               << ", or other ones first\n";
@@ -203,12 +203,10 @@ Json measureSessions(const Options& options, std::size_t contacts, std::size_t& 
     const std::vector<Session> sessions = makeSessions(population, options.typed);
     std::printf("%zu contacts\n", contacts);
     std::cerr << contacts << " contacts\n";
-    std::vector<std::unique_ptr<KeySearch>> searches;
     std::vector<Contestant> contestants;
     for (const char* const name : {"wideseek", "floor", "plain", "fts5"}) {
         if (options.wants(name)) {
-            searches.push_back(makeSearch(name, population));
-            contestants.push_back({name, searches.back().get(), {}, {}});
+            contestants.push_back({name, makeSearch(name, population), {}, {}});
         }
     }
     typeAll(sessions, contestants);
@@ -216,7 +214,7 @@ Json measureSessions(const Options& options, std::size_t contacts, std::size_t& 
     for (const Contestant& contestant : contestants) {
         result[contestant.name] = groupsOf(contestant.answers, sessions, &Took::page);
         print(contestant.name, result[contestant.name]);
-        if (auto* const phone = dynamic_cast<LivePhone*>(contestant.search)) {
+        if (auto* const phone = dynamic_cast<LivePhone*>(contestant.search.get())) {
             addPhone(*phone, contestant, sessions, result);
             wrong += differences(*phone, sessions, contestants);
         }

@@ -35,6 +35,7 @@ bool isLetterOrDigit(Character character) {
            (category <= UTF8PROC_CATEGORY_LO || category >= UTF8PROC_CATEGORY_ND);
 }
 
+// Made ready for one key at a time.
 class FieldMatcher {
 public:
     // Whether setKey was called with this key last, or never and it is empty.
@@ -71,10 +72,10 @@ private:
 };
 
 void FieldMatcher::setKey(std::string_view key) {
-    m_key = key;
+    std::string folded = text::folded(key);
+    m_key = key; // nothing fails from here on, or this does and nothing has changed
     m_keyStart = wordAt(m_key, 0);
-    m_folded.clear();
-    appendFolded(key, m_folded);
+    m_folded.swap(folded);
     m_isAscii = !m_folded.empty() && std::all_of(m_folded.begin(), m_folded.end(), isAscii);
     const std::size_t inWord = std::min(m_folded.size(), wordSize);
     m_start = wordAt(m_folded, 0);

@@ -45,7 +45,7 @@ inline Word loadFew(const char* bytes, std::size_t size) {
     return byteAt(0) | byteAt(size / 2) | byteAt(size - 1); // all of up to three
 }
 
-// The bytes of text from at on, which is in text; zero where they are fewer than a word has.
+// The bytes of text from at on, zero where they are fewer than a word has. at is in text, or 0.
 inline Word wordAt(std::string_view text, std::size_t at) {
     const std::size_t left = text.size() - at;
     if (left >= wordSize) {
