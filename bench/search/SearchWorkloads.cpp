@@ -37,12 +37,26 @@ PageCut::PageCut(std::size_t rows, bool deep) : m_search(scripted(rows)) {
     m_from = deep ? static_cast<int>(m_search.rows()) - 10 : 0;
 }
 
-Narrow::Narrow(std::size_t rows, Typed typed, unsigned percent) : Narrow(NarrowingPeople(rows, typed, percent)) {
+Narrow::Narrow(std::size_t rows, Typed typed, unsigned percent, bool toPage)
+    : Narrow(NarrowingPeople(rows, typed, percent)) {
+    if (toPage) {
+        m_search.watchPages([this] {
+            if (m_isRunning && onPage) {
+                onPage();
+            }
+        });
+    }
 }
 
 Narrow::Narrow(NarrowingPeople people)
     : m_search(std::make_shared<AllPeople>(std::move(people.people))), m_first(std::move(people.first)),
       m_second(std::move(people.second)) {
+}
+
+void Narrow::run() {
+    m_isRunning = true;
+    m_search.search(m_second);
+    m_isRunning = false;
 }
 
 std::list<NS_TA::LdapResultItem> ldapAnswerFor(const People& people) {

@@ -45,10 +45,11 @@ private:
 
 class Narrow : public Workload {
 public:
-    Narrow(std::size_t rows, Typed typed, unsigned percent);
+    // toPage: it is measured up to the page only.
+    Narrow(std::size_t rows, Typed typed, unsigned percent, bool toPage);
     bool isUsedUp() const override { return true; }
     void prepare() override { m_search.searchAfresh(m_first); }
-    void run() override { m_search.search(m_second); }
+    void run() override;
     std::size_t rows() const override { return m_search.rows(); }
 
 private:
@@ -57,6 +58,7 @@ private:
     SearchOnThisThread m_search;
     std::string m_first;
     std::string m_second;
+    bool m_isRunning = false;
 };
 
 // An answer of 1,000 rows; a fifth of them are among these people's rows already.

@@ -125,6 +125,17 @@ void SearchOnThisThread::searchAfresh(const std::string& key) {
     search(key);
 }
 
+void SearchOnThisThread::watchPages(std::function<void()> onPage) {
+    m_watch.onPage = std::move(onPage);
+    m_phone.setTrace(&m_watch);
+}
+
+void SearchOnThisThread::PageWatch::onTrace(const host::TraceEvent& event) {
+    if (event.kind == host::TraceKind::pageSent) {
+        onPage();
+    }
+}
+
 void SearchOnThisThread::answerLdap(NS_TA::CLdapAction& answer) {
     m_action->OnTaskActionCallback(&answer);
     m_phone.kernel().advance({});

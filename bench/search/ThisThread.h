@@ -5,6 +5,7 @@
 #include "app/Gui/Logic/Wideseek/WideseekAction.h"
 #include "host/Phone.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -47,6 +48,9 @@ public:
     // Delivers an answer of the LDAP directory, and the page that it causes if anybody wants one.
     void answerLdap(NS_TA::CLdapAction& answer);
 
+    // Called from now on when a page is sent, which the search may have work behind.
+    void watchPages(std::function<void()> onPage);
+
     // From now on nobody wants a page, until the next request.
     void detach() { m_action->Detach(&m_screen); }
 
@@ -60,6 +64,13 @@ private:
         void OnTaskActionCallback(NS_TA::CTaskAction* /*pAction*/) override {}
     };
 
+    class PageWatch : public host::TraceSink {
+    public:
+        void onTrace(const host::TraceEvent& event) override;
+        std::function<void()> onPage;
+    };
+
+    PageWatch m_watch;
     host::Phone m_phone;
     Screen m_screen;
     NS_WS::CWideseekAction* m_action = nullptr;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 
 namespace bench {
 
@@ -17,6 +18,9 @@ public:
     virtual void prepare() {}
 
     virtual void run() = 0;
+
+    // Called within a run when what somebody waits for is there, by those workloads that are measured up to then.
+    std::function<void()> onPage;
 
     // How many rows (contacts, for a source) the last run ended with.
     virtual std::size_t rows() const = 0;
