@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Measures the library and prints the tables of docs/performance.md: times, ratios, instructions, bytes. About eight
+# Measures the library and prints the tables of docs/performance.md: times, ratios, instructions, bytes. About ten
 # minutes on two cores; the machine should have nothing else to do.
 #
 #   scripts/bench.sh            everything
