@@ -13,10 +13,6 @@ namespace host::text {
 
 namespace {
 
-bool isAscii(char byte) {
-    return static_cast<unsigned char>(byte) < 0x80;
-}
-
 char lower(char byte) {
     return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + ('a' - 'A')) : byte;
 }

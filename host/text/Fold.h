@@ -10,6 +10,10 @@
 
 namespace host::text {
 
+inline bool isAscii(char byte) {
+    return static_cast<unsigned char>(byte) < 0x80;
+}
+
 // The character at the front or at the end of text, and how many bytes it takes.
 struct Character {
     std::int32_t codePoint = -1; // -1: the byte there is not UTF-8

@@ -14,10 +14,6 @@ namespace host::text {
 
 namespace {
 
-bool isAscii(char byte) {
-    return static_cast<unsigned char>(byte) < 0x80;
-}
-
 bool isKeypadByte(char byte) {
     return (byte >= '0' && byte <= '9') || byte == '*' || byte == '#';
 }
