@@ -37,6 +37,7 @@ the second number's row shows the first one | WideseekActionMerge.cpp | s/row.st
 a row forgets the contact's third number | WideseekActionMerge.cpp | s/arrNumber\[i == 2 ? 1 : 2\]/arrNumber[1]/
 calls without name and number are offered | WideseekActionRecent.cpp | s/(pCall->strName.empty() && pCall->strNumber.empty())/pCall->strExtra == "-"/
 a page has a row too many | WideseekActionResult.cpp | /::MyCopyResult/,/^}/s/iIndex < iEnd/iIndex <= iEnd/
+a page's row keeps what a former page had there | WideseekActionResult.cpp | /::MyAppendRow/,/^}/s/row.strExtra2 = item.strExtra2;//
 a narrowed page lacks its first row | WideseekActionNarrow.cpp | /::MyNarrowRows/,/^}/s/iFirst <= iIndex/iFirst < iIndex/
 a total is one too small | WideseekActionResult.cpp | /::MyCopyResult/,/^}/s/iIndex + 1/iIndex/
 narrowing leaves what it drops in the filter | WideseekActionNarrow.cpp | s/MyRemoveFilter(listDropped);//

@@ -244,9 +244,10 @@ private:
     bool MySend(CWideseekCBData* pData, const std::string& strKey) CH_REQUIRES(m_csWork);
     void MyRestoreCallback() CH_REQUIRES(m_csWork);
     bool MyGetPageBounds(int& iFirst, int& iEnd) CH_REQUIRES(m_csWork);
-    static void MyAppendRow(WideseekListData& page, const ItemData& item);
+    void MyAppendRow(WideseekListData& page, const ItemData& item) CH_REQUIRES(m_csWork);
     void MyEmptyPage() CH_REQUIRES(m_csWork);
     void MySetPage(WideseekListData& page) CH_REQUIRES(m_csWork);
+    void MyPrepareRows() CH_REQUIRES(m_csWork);
     int MyDealTimeoutMessage(ETL_MsgQueueHelper::msgObject& msg);
 
     // ---- narrowing (WideseekActionNarrow.cpp) ----
@@ -287,7 +288,8 @@ private:
     unsigned long long m_uResets CH_GUARDED_BY(m_csRequest) = 0;   // how often the key has been reset
     unsigned long long m_uFilledAt CH_GUARDED_BY(m_csRequest) = 0; // that number when the buckets began to be filled
     bool m_bStopped CH_GUARDED_BY(m_csRequest) = false;
-    int m_iFromIndex CH_GUARDED_BY(m_csWork) = 0; // page position of the request being worked
+    std::list<WideseekItemData> m_listSpare CH_GUARDED_BY(m_csWork); // WideseekSpareRows.h
+    int m_iFromIndex CH_GUARDED_BY(m_csWork) = 0;                    // page position of the request being worked
     int m_iSearchCount CH_GUARDED_BY(m_csWork) = 0;
 
     // Where the filter was looked at last.

@@ -3,6 +3,7 @@
 #include "app/Gui/Logic/Wideseek/WideseekAction.h"
 #include "app/Gui/Logic/Wideseek/WideseekController.h"
 #include "app/Gui/Logic/Wideseek/WideseekInternal.h"
+#include "app/Gui/Logic/Wideseek/WideseekSpareRows.h"
 #include "app/Gui/Logic/Wideseek/modWideseek.h"
 #include "platform/AppLog.h"
 #include "platform/CommonAPI.h"
@@ -173,7 +174,9 @@ bool CWideseekAction::MyCallback(std::string strKey, std::string strRawKey) {
     }
     {
         const CLock lock(m_csPage);
-        pData->GetResultListPtr()->listItem = m_pResultList->listItem;
+        for (const WideseekItemData& row : m_pResultList->listItem) {
+            AppendSpare(m_listSpare, pData->GetResultListPtr()->listItem) = row;
+        }
         pData->SetFromIndex(m_pResultList->iFromIndex);
         pData->SetSearchCount(m_pResultList->iSearchCount);
         pData->SetTotalCount(m_pResultList->iTotalCount);
@@ -182,6 +185,7 @@ bool CWideseekAction::MyCallback(std::string strKey, std::string strRawKey) {
     pData->SetResultCode(0);
     const bool bSent = MySend(pData, strKey);
     Wideseek_DestroySearchCBAction(pData);
+    MyPrepareRows();
     return bSent;
 }
 
@@ -213,7 +217,7 @@ bool CWideseekAction::MyGetPageBounds(int& iFirst, int& iEnd) {
 }
 
 void CWideseekAction::MyAppendRow(WideseekListData& page, const ItemData& item) {
-    WideseekItemData& row = page.listItem.emplace_back();
+    WideseekItemData& row = AppendSpare(m_listSpare, page.listItem);
     row.strName = item.strName;
     row.strNumber = item.strNumber;
     row.strExtra1 = item.strExtra1;
@@ -223,10 +227,13 @@ void CWideseekAction::MyAppendRow(WideseekListData& page, const ItemData& item) 
 
 void CWideseekAction::MyEmptyPage() {
     std::list<WideseekItemData> listItem;
-    const CLock lock(m_csPage);
-    if (m_pResultList != nullptr) {
-        m_pResultList->listItem.swap(listItem);
+    {
+        const CLock lock(m_csPage);
+        if (m_pResultList != nullptr) {
+            m_pResultList->listItem.swap(listItem);
+        }
     }
+    KeepSpare(m_listSpare, listItem);
 }
 
 void CWideseekAction::MySetPage(WideseekListData& page) {
@@ -235,6 +242,13 @@ void CWideseekAction::MySetPage(WideseekListData& page) {
     const CLock lock(m_csPage);
     if (m_pResultList != nullptr) {
         std::swap(*m_pResultList, page);
+    }
+}
+
+void CWideseekAction::MyPrepareRows() {
+    const CLock lock(m_csPage);
+    if (m_pResultList != nullptr) {
+        PrepareSpare(m_listSpare, m_pResultList->listItem);
     }
 }
 
