@@ -7,11 +7,18 @@
 #include <utf8proc.h>
 
 #include <algorithm>
+#include <array>
 #include <string>
 
 namespace host::text {
 
 namespace {
+
+// With these set, the two cases of a letter are the same byte, and so are some bytes that are no letters.
+constexpr Word anyCase = everyByte('a' - 'A');
+
+// At how many bytes of a word two bytes may begin, as far as the word tells.
+constexpr std::size_t covered = wordSize - 1;
 
 char lower(char byte) {
     return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + ('a' - 'A')) : byte;
@@ -31,74 +38,128 @@ bool isLetterOrDigit(Character character) {
            (category <= UTF8PROC_CATEGORY_LO || category >= UTF8PROC_CATEGORY_ND);
 }
 
-// Made ready for one key at a time.
-class FieldMatcher {
+// A key that folds to ASCII, made ready for fields that need no folding. Plain data, so that each thread has one
+// without making it.
+class PlainKey {
 public:
-    // Whether setKey was called with this key last, or never and it is empty.
+    // Of a key that cannot be made ready, nothing is kept.
+    void set(std::string_view key, std::string_view folded);
+
+    std::string_view key() const { return {m_key.data(), m_size}; }
+
     bool isFor(std::string_view key) const {
-        return key.size() == m_key.size() &&
-               (key.size() <= wordSize ? wordAt(key, 0) == m_keyStart : key == std::string_view(m_key));
+        if (key.size() != m_size) {
+            return false;
+        }
+        return m_size < wordSize ? loadFew(key.data(), m_size) == m_keyStart
+                                 : load(key.data()) == m_keyStart && load(key.data() + m_size - wordSize) == m_keyEnd;
     }
 
-    [[gnu::noinline]] void setKey(std::string_view key); // is out of the way of what each field takes
+    // The high bit of every byte of word at which the key's last two bytes may stand, and of every byte that is not
+    // ASCII. Both are looked for at once, as one alone is found too often and in vain; the last two, as what a person
+    // narrows has all that was typed before them.
+    Word candidates(Word word) const {
+        const Word bytes = word | anyCase;
+        const Word difference = (bytes ^ m_beforeLast) | ((bytes >> m_toLast) ^ m_last);
+        return (~(difference + lowBits) | word) & highBits;
+    }
 
-    bool isIn(std::string_view text);
+    // Whether it stands in text with its last two bytes at `from` or behind.
+    bool isFrom(std::size_t from, std::string_view text) const;
+
+private:
+    static constexpr std::size_t longest = 2 * wordSize;
+
+    bool isAt(std::size_t at, std::string_view text) const;
+
+    std::array<char, longest> m_key{};
+    std::array<char, longest> m_folded{};
+    std::size_t m_size = std::string_view::npos; // of m_key; npos: there is none
+    std::size_t m_foldedSize = 0;
+    Word m_keyStart = 0;   // its first eight bytes, zero behind its end
+    Word m_keyEnd = 0;     // its last eight bytes, when it has as many
+    Word m_start = 0;      // the same of m_folded
+    Word m_startMask = 0;  // which of those there are
+    Word m_startCase = 0;  // the bits that a letter's case makes of no account
+    Word m_beforeLast = 0; // its last two bytes with anyCase, each eight times; a single byte is both
+    Word m_last = 0;
+    unsigned m_toLast = 0; // how many bits lie between the two
+};
+
+void PlainKey::set(std::string_view key, std::string_view folded) {
+    *this = {};
+    if (key.size() > longest || folded.size() > longest || folded.empty() ||
+        !std::all_of(folded.begin(), folded.end(), isAscii)) {
+        return;
+    }
+    std::copy(key.begin(), key.end(), m_key.begin());
+    std::copy(folded.begin(), folded.end(), m_folded.begin());
+    m_size = key.size();
+    m_foldedSize = folded.size();
+    m_keyStart = wordAt(key, 0);
+    m_keyEnd = key.size() < wordSize ? 0 : wordAt(key, key.size() - wordSize);
+    m_start = wordAt(folded, 0);
+    const std::size_t inWord = std::min(folded.size(), wordSize);
+    m_startMask = inWord < wordSize ? (Word(1) << 8 * inWord) - 1 : ~Word(0);
+    for (std::size_t i = 0; i < inWord; ++i) {
+        m_startCase |= caseBit(folded[i]) << 8 * i;
+    }
+    const std::string_view lastTwo = folded.substr(folded.size() - std::min(folded.size(), std::size_t(2)));
+    m_beforeLast = everyByte(static_cast<unsigned char>(lastTwo.front())) | anyCase;
+    m_last = everyByte(static_cast<unsigned char>(lastTwo.back())) | anyCase;
+    m_toLast = lastTwo.size() > 1 ? 8 : 0;
+}
+
+bool PlainKey::isFrom(std::size_t from, std::string_view text) const {
+    const std::size_t ahead = m_foldedSize - (m_toLast != 0 ? 2 : 1);
+    for (std::size_t at = from; at < text.size(); at += covered) {
+        for (Word marks = candidates(wordAt(text, at)); marks != 0; marks &= marks - 1) {
+            const std::size_t place = at + firstMarked(marks);
+            if (place >= ahead && isAt(place - ahead, text)) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+bool PlainKey::isAt(std::size_t at, std::string_view text) const {
+    if (at + m_foldedSize > text.size() || (((wordAt(text, at) | m_startCase) ^ m_start) & m_startMask) != 0) {
+        return false;
+    }
+    for (std::size_t i = wordSize; i < m_foldedSize; ++i) {
+        if (lower(text[at + i]) != m_folded[i]) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// Any key, and any field, which is folded.
+class FoldedKey {
+public:
+    bool isFor(std::string_view key) const { return key == m_key; }
+    void set(std::string_view key);
+    std::string_view folded() const { return m_folded; }
+
+    bool isIn(std::string_view text) { return findBytes(fold(text), m_folded, 0) != std::string::npos; }
     bool isWordIn(std::string_view text);
 
 private:
-    enum class Found { yes, no, foldFirst };
-
-    Found findInAscii(std::string_view text) const;
-    bool isAt(std::string_view text, std::size_t at) const;
-    const std::string& fold(std::string_view text);
+    std::string_view fold(std::string_view text);
 
     std::string m_key;
-    Word m_keyStart = 0; // its first eight bytes, zero behind its end
     std::string m_folded;
-    bool m_isAscii = false; // m_folded is, and not empty; then the following stand for it:
-    Word m_start = 0;       // its first eight bytes, zero behind its end
-    Word m_startMask = 0;   // which of them there are
-    Word m_startCase = 0;   // the bits that a letter's case makes of no account
-    Word m_first = 0;       // its first byte, eight times
-    Word m_firstCase = 0;
-    Word m_second = 0; // its second byte
-    Word m_secondCase = 0;
-    Word m_secondKnown = 0; // the bytes of a word behind which the second byte can be looked for
     std::string m_buffer;
 };
 
-void FieldMatcher::setKey(std::string_view key) {
+void FoldedKey::set(std::string_view key) {
     std::string folded = text::folded(key);
     m_key = key; // nothing fails from here on, or this does and nothing has changed
-    m_keyStart = wordAt(m_key, 0);
     m_folded.swap(folded);
-    m_isAscii = !m_folded.empty() && std::all_of(m_folded.begin(), m_folded.end(), isAscii);
-    const std::size_t inWord = std::min(m_folded.size(), wordSize);
-    m_start = wordAt(m_folded, 0);
-    m_startMask = inWord < wordSize ? (Word(1) << 8 * inWord) - 1 : ~Word(0);
-    m_startCase = 0;
-    for (std::size_t i = 0; i < inWord; ++i) {
-        m_startCase |= caseBit(m_folded[i]) << 8 * i;
-    }
-    m_first = everyByte(m_start & 0xFF);
-    m_firstCase = everyByte(m_startCase & 0xFF);
-    m_second = everyByte(m_start >> 8 & 0xFF);
-    m_secondCase = everyByte(m_startCase >> 8 & 0xFF);
-    m_secondKnown = inWord > 1 ? ~Word(0) >> 8 : 0;
 }
 
-bool FieldMatcher::isIn(std::string_view text) {
-    const Found found = m_isAscii ? findInAscii(text) : Found::foldFirst;
-    if (found != Found::foldFirst) {
-        return found == Found::yes;
-    }
-    return m_folded.empty() || findBytes(fold(text), m_folded, 0) != std::string::npos;
-}
-
-bool FieldMatcher::isWordIn(std::string_view text) {
-    if (m_folded.empty()) {
-        return true;
-    }
+bool FoldedKey::isWordIn(std::string_view text) {
     const std::string_view all = fold(text);
     for (std::size_t at = findBytes(all, m_folded, 0); at != std::string_view::npos;
          at = findBytes(all, m_folded, at + 1)) {
@@ -110,58 +171,52 @@ bool FieldMatcher::isWordIn(std::string_view text) {
     return false;
 }
 
-// For a key of ASCII. A hit ahead of the first word with a byte that is not ASCII counts: folding works character by
-// character.
-FieldMatcher::Found FieldMatcher::findInAscii(std::string_view text) const {
-    for (std::size_t at = 0; at < text.size(); at += wordSize) {
-        const Word word = wordAt(text, at);
-        if ((word & highBits) != 0) {
-            return Found::foldFirst;
-        }
-        // Both of the key's first two bytes are looked for at once: one alone is found too often, and in vain.
-        const Word first = (word | m_firstCase) ^ m_first;
-        const Word second = ((word >> 8) | m_secondCase) ^ m_second;
-        const Word difference = first | (second & m_secondKnown);
-        for (Word marks = ~(difference + lowBits) & highBits; marks != 0; marks &= marks - 1) {
-            if (isAt(text, at + firstMarked(marks))) {
-                return Found::yes;
-            }
-        }
-    }
-    return Found::no;
-}
-
-bool FieldMatcher::isAt(std::string_view text, std::size_t at) const {
-    if (at + m_folded.size() > text.size() || (((wordAt(text, at) | m_startCase) ^ m_start) & m_startMask) != 0) {
-        return false;
-    }
-    for (std::size_t i = wordSize; i < m_folded.size(); ++i) {
-        if (lower(text[at + i]) != m_folded[i]) {
-            return false;
-        }
-    }
-    return true;
-}
-
-const std::string& FieldMatcher::fold(std::string_view text) {
+std::string_view FoldedKey::fold(std::string_view text) {
     m_buffer.clear();
     appendFolded(text, m_buffer);
     return m_buffer;
 }
 
-FieldMatcher& matcherFor(std::string_view key) {
-    thread_local FieldMatcher matcher;
-    if (!matcher.isFor(key)) [[unlikely]] {
-        matcher.setKey(key);
+constinit thread_local PlainKey plainKey;
+
+[[gnu::noinline]] bool isInFolded(std::string_view text, std::string_view key, bool asWord) {
+    thread_local FoldedKey foldedKey;
+    if (!foldedKey.isFor(key)) {
+        foldedKey.set(key);
+        plainKey.set(key, foldedKey.folded());
     }
-    return matcher;
+    if (foldedKey.folded().empty()) {
+        return true;
+    }
+    return asWord ? foldedKey.isWordIn(text) : foldedKey.isIn(text);
+}
+
+// A hit counts whatever else the text holds, as folding leaves what is ASCII side by side; without one, what is not
+// ASCII may still fold to the key.
+[[gnu::noinline]] bool isInFrom(std::size_t from, std::string_view text) {
+    return plainKey.isFrom(from, text) ||
+           (!std::all_of(text.begin(), text.end(), isAscii) && isInFolded(text, plainKey.key(), false));
 }
 
 } // namespace
 
 bool isIn(std::string_view text, std::string_view key, bool asWord) {
-    FieldMatcher& matcher = matcherFor(key);
-    return asWord ? matcher.isWordIn(text) : matcher.isIn(text);
+    const PlainKey& ready = plainKey;
+    if (asWord || !ready.isFor(key)) [[unlikely]] {
+        return isInFolded(text, key, asWord);
+    }
+    if (text.size() < wordSize) {
+        return ready.candidates(loadFew(text.data(), text.size())) != 0 && isInFrom(0, text);
+    }
+    const std::size_t last = text.size() - wordSize;
+    for (std::size_t at = 0;; at = std::min(at + covered, last)) {
+        if (ready.candidates(load(text.data() + at)) != 0) {
+            return isInFrom(at, text);
+        }
+        if (at == last) {
+            return false;
+        }
+    }
 }
 
 } // namespace host::text
