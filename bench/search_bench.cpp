@@ -65,6 +65,7 @@ const std::vector<Entry> entries = {
     {"FullSearch", "PlainRows", "1.2", overScript<FullSearch>},
     {"PlainRows", nullptr, nullptr, overScript<PlainRows<OrderedSet>>},
     {"PlainRowsHashed", nullptr, nullptr, overScript<PlainRows<HashSet>>}, // the same with a hash set
+    {"PlainRowsMapped", nullptr, nullptr, overScript<PlainRows<RowMap>>},  // the same with a map of rows, as the filter is
     {"FullSearchFile", "PlainRowsFile", "1.2", overFile<FullSearch>}, // with a contact file as the source
     {"PlainRowsFile", nullptr, nullptr, overFile<PlainRows<OrderedSet>>},
 

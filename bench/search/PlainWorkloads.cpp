@@ -72,6 +72,7 @@ template <typename Seen> void PlainRows<Seen>::run() {
 
 template class PlainRows<OrderedSet>;
 template class PlainRows<HashSet>;
+template class PlainRows<RowMap>;
 
 PlainWalk::PlainWalk(std::size_t rows) {
     AllPeople people(peopleOfRows(rows));

@@ -4,6 +4,7 @@
 
 #include "bench/search/SearchWorkloads.h"
 
+#include <map>
 #include <set>
 #include <unordered_set>
 #include <utility>
@@ -21,6 +22,14 @@ struct IdentityHash {
 
 using OrderedSet = std::set<Identity>;
 using HashSet = std::unordered_set<Identity, IdentityHash>;
+
+// What the search has to ask: a map of whole rows, of which name and number are looked at.
+struct RowMap {
+    std::map<Row, int> rows;
+
+    auto emplace(const std::string& name, const std::string& number) { return rows.try_emplace(Row(name, number), 1); }
+    void clear() { rows.clear(); }
+};
 
 // The rows that the search makes of a source's hits.
 template <typename Seen> struct RowList {
