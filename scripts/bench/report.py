@@ -115,6 +115,7 @@ def memory(data, size):
 
 def workloads(results):
     measured = json.loads((results / "workloads.json").read_text())["benchmarks"]
+    measured.sort(key=lambda entry: (entry["family_index"], entry["per_family_instance_index"]))
     times = {entry["run_name"]: entry for entry in measured if entry.get("aggregate_name") == "median"}
     counted = dict(line.rsplit(" ", 1) for line in (results / "instructions.txt").read_text().splitlines())
     units = {"ns": 1e-3, "us": 1, "ms": 1e3, "s": 1e6}

@@ -8,7 +8,7 @@
 //     KeepSpare(m_listSpare, listFormer);                              // rows that are no longer shown
 //     PrepareSpare(m_listSpare, page.listItem);                        // the next page is likely to be like this one
 //
-// The list of rows to spare is whoever's calls; nothing is locked.
+// The list of spare rows is the caller's; nothing is locked.
 #pragma once
 
 #include "app/Gui/Logic/Wideseek/WideseekData.h"
