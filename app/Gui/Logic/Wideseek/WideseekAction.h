@@ -247,7 +247,6 @@ private:
     void MyAppendRow(WideseekListData& page, const ItemData& item) CH_REQUIRES(m_csWork);
     void MyEmptyPage() CH_REQUIRES(m_csWork);
     void MySetPage(WideseekListData& page) CH_REQUIRES(m_csWork);
-    void MyPrepareRows() CH_REQUIRES(m_csWork);
     int MyDealTimeoutMessage(ETL_MsgQueueHelper::msgObject& msg);
 
     // ---- narrowing (WideseekActionNarrow.cpp) ----
@@ -282,15 +281,17 @@ private:
     // m_csPage are never held while another one is taken.
     mutable ETL_BaseHelper::chCriticalSection m_csWork;            // one piece of work at a time
     mutable ETL_BaseHelper::chCriticalSection m_csRequest;         // m_requestNext, the callback objects, m_strLastKey
-    mutable ETL_BaseHelper::chCriticalSection m_csPage;            // *m_pResultList
+    mutable ETL_BaseHelper::chCriticalSection m_csPage;            // *m_pResultList, which the work alone writes
     RequestData m_requestNext CH_GUARDED_BY(m_csRequest);          // the newest request handed over
     unsigned long long m_uSerial CH_GUARDED_BY(m_csRequest) = 0;   // of the request being worked
     unsigned long long m_uResets CH_GUARDED_BY(m_csRequest) = 0;   // how often the key has been reset
     unsigned long long m_uFilledAt CH_GUARDED_BY(m_csRequest) = 0; // that number when the buckets began to be filled
     bool m_bStopped CH_GUARDED_BY(m_csRequest) = false;
-    std::list<WideseekItemData> m_listSpare CH_GUARDED_BY(m_csWork); // WideseekSpareRows.h
-    int m_iFromIndex CH_GUARDED_BY(m_csWork) = 0;                    // page position of the request being worked
+    int m_iFromIndex CH_GUARDED_BY(m_csWork) = 0; // page position of the request being worked
     int m_iSearchCount CH_GUARDED_BY(m_csWork) = 0;
+
+    // Rows for the next page (WideseekSpareRows.h).
+    std::list<WideseekItemData> m_listSpare CH_GUARDED_BY(m_csWork);
 
     // Where the filter was looked at last.
     mutable Filter::const_iterator m_itFilter CH_GUARDED_BY(m_csWork) = m_mapFilter.end();

@@ -172,20 +172,18 @@ bool CWideseekAction::MyCallback(std::string strKey, std::string strRawKey) {
         Wideseek_DestroySearchCBAction(pData);
         return false;
     }
-    {
-        const CLock lock(m_csPage);
-        for (const WideseekItemData& row : m_pResultList->listItem) {
-            AppendSpare(m_listSpare, pData->GetResultListPtr()->listItem) = row;
-        }
-        pData->SetFromIndex(m_pResultList->iFromIndex);
-        pData->SetSearchCount(m_pResultList->iSearchCount);
-        pData->SetTotalCount(m_pResultList->iTotalCount);
+    // The work alone writes the page record, so it reads it without m_csPage.
+    for (const WideseekItemData& row : m_pResultList->listItem) {
+        AppendSpare(m_listSpare, pData->GetResultListPtr()->listItem) = row;
     }
+    pData->SetFromIndex(m_pResultList->iFromIndex);
+    pData->SetSearchCount(m_pResultList->iSearchCount);
+    pData->SetTotalCount(m_pResultList->iTotalCount);
     pData->SetKey(strRawKey);
     pData->SetResultCode(0);
     const bool bSent = MySend(pData, strKey);
     Wideseek_DestroySearchCBAction(pData);
-    MyPrepareRows();
+    PrepareSpare(m_listSpare, m_pResultList->listItem);
     return bSent;
 }
 
@@ -242,13 +240,6 @@ void CWideseekAction::MySetPage(WideseekListData& page) {
     const CLock lock(m_csPage);
     if (m_pResultList != nullptr) {
         std::swap(*m_pResultList, page);
-    }
-}
-
-void CWideseekAction::MyPrepareRows() {
-    const CLock lock(m_csPage);
-    if (m_pResultList != nullptr) {
-        PrepareSpare(m_listSpare, m_pResultList->listItem);
     }
 }
 
