@@ -74,7 +74,7 @@ const std::vector<Entry> entries = {
     {"PageCutDeep", "PlainWalk", "1.5", make<PageCut>(true)},
     {"PlainWalk", nullptr, nullptr, make<PlainWalk>()},
 
-    // One key more, which so many in a hundred rows match, up to the page that somebody waits for; against a loop that
+    // One key more, which this many rows in a hundred match, up to the page that somebody waits for; against a loop that
     // calls the phone's match function once per field needed and unlinks.
     {"NarrowDigits1ToPage", "PlainNarrowDigits1", "1.3", make<Narrow>(Typed::digits, 1U, true)},
     {"NarrowDigits50ToPage", "PlainNarrowDigits50", "1.3", make<Narrow>(Typed::digits, 50U, true)},

@@ -6,19 +6,17 @@ file(GLOB shared CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/bench/*.cpp")
 list(FILTER shared EXCLUDE REGEX "_bench\\.cpp$")
 file(GLOB search CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/bench/search/*.cpp")
 file(GLOB session CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/bench/session/*.cpp")
-if(TARGET wideseek_objects AND TARGET wideseek_host)
-  find_package(benchmark QUIET)
-  find_package(SQLite3 QUIET)
-  if(benchmark_FOUND AND SQLite3_FOUND)
-    add_executable(wideseek_bench "${PROJECT_SOURCE_DIR}/bench/search_bench.cpp" ${search} ${shared})
-    target_link_libraries(wideseek_bench PRIVATE wideseek_settings wideseek_objects wideseek_host benchmark::benchmark)
+find_package(benchmark QUIET)
+find_package(SQLite3 QUIET)
+if(benchmark_FOUND AND SQLite3_FOUND)
+  add_executable(wideseek_bench "${PROJECT_SOURCE_DIR}/bench/search_bench.cpp" ${search} ${shared})
+  target_link_libraries(wideseek_bench PRIVATE wideseek_settings wideseek_objects wideseek_host benchmark::benchmark)
 
-    add_executable(wideseek_session_bench "${PROJECT_SOURCE_DIR}/bench/session_bench.cpp" ${session} ${shared})
-    target_link_libraries(
-      wideseek_session_bench PRIVATE wideseek_settings Wideseek wideseek_host CLI11::CLI11
-                                     nlohmann_json::nlohmann_json SQLite::SQLite3)
-  else()
-    message(STATUS "The benchmarks are left out: they need Google Benchmark and SQLite "
-                   "(scripts/install-deps.sh bench installs them)")
-  endif()
+  add_executable(wideseek_session_bench "${PROJECT_SOURCE_DIR}/bench/session_bench.cpp" ${session} ${shared})
+  target_link_libraries(
+    wideseek_session_bench PRIVATE wideseek_settings Wideseek wideseek_host CLI11::CLI11
+                                   nlohmann_json::nlohmann_json SQLite::SQLite3)
+else()
+  message(STATUS "The benchmarks are left out: they need Google Benchmark and SQLite "
+                 "(scripts/install-deps.sh bench installs them)")
 endif()

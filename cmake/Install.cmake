@@ -7,7 +7,8 @@ include(CMakePackageConfigHelpers)
 set(include_dir "${CMAKE_INSTALL_INCLUDEDIR}/wideseek")
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/Wideseek")
 set(module_dir app/Gui/Logic/Wideseek)
-set(caller_headers modWideseek WideseekAction WideseekCBData WideseekCfgData WideseekController WideseekData
+set(caller_headers modWideseek WideseekAction WideseekBucket WideseekCBData WideseekCfgData WideseekController WideseekData
+                   WideseekFilterWalk WideseekPage WideseekRequest
                    WideseekExport OxContainer)
 
 target_include_directories(Wideseek INTERFACE "$<INSTALL_INTERFACE:${include_dir}>")

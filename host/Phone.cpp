@@ -1,42 +1,32 @@
 #include "host/Phone.h"
 
-#include "host/CallLogFile.h"
-#include "host/ConfigFile.h"
-#include "host/EmbeddedLdap.h"
-#include "host/FileDirectory.h"
-#include "host/FileWatch.h"
-#include "host/HeldLocks.h"
 #include "host/PhoneCore.h"
-#include "host/PresenceFile.h"
-#include "host/ServerLdap.h"
-#include "host/TrackedBlocks.h"
+#include "host/contacts/CallLogFile.h"
+#include "host/contacts/FileDirectory.h"
+#include "host/contacts/PresenceFile.h"
+#include "host/files/FileText.h"
+#include "host/files/FileWatch.h"
+#include "host/files/SettingsCheck.h"
+#include "host/ldap/EmbeddedLdap.h"
+#include "host/ldap/server/ServerLdap.h"
 
+#include <iterator>
+#include <set>
 #include <stdexcept>
 #include <utility>
 
 namespace host {
 
+using ETL_MsgQueueHelper::CFG_CHANGE_WIDESEEK;
+using ETL_MsgQueueHelper::MSG_CONFIG_CHANGED;
+
 namespace {
 
-constexpr unsigned int configChanged = 0x10007;
-constexpr long long sourceListChanged = 52;
 constexpr std::chrono::milliseconds watchPeriod(500);
 constexpr std::chrono::milliseconds usualLdapDelay(300);
 
-} // namespace
-
-struct Phone::State {
-    std::shared_ptr<PhoneCore> core;
-    std::unique_ptr<PresenceFile> presence;
-    std::unique_ptr<FileWatch> watch;
-
-    ProblemSink problemSink() const;
-    void openContactFiles();
-    std::shared_ptr<LdapDirectory> configuredLdap() const;
-    std::shared_ptr<LdapDirectory> serverLdap(const std::filesystem::path& config) const;
-};
-
-ProblemSink Phone::State::problemSink() const {
+// The core is held weakly: what reports to it may outlive it.
+ProblemSink problemSink(const std::shared_ptr<PhoneCore>& core) {
     return [weak = std::weak_ptr(core)](const std::string& problem) {
         if (const auto alive = weak.lock()) {
             alive->addProblem(problem);
@@ -44,41 +34,8 @@ ProblemSink Phone::State::problemSink() const {
     };
 }
 
-void Phone::State::openContactFiles() {
-    const auto open = [this](Source source, std::string_view path) {
-        core->setSource(source, std::make_shared<FileDirectory>(core->realPath(path), problemSink()));
-    };
-    open(Source::localDirectory, "/config/contacts/local_directory.csv");
-    open(Source::remoteDirectory, "/config/contacts/remote_directory.csv");
-    open(Source::broadSoftDirectory, "/config/contacts/broadsoft_directory.csv");
-    const auto callLog = std::make_shared<CallLogFile>(core->realPath("/config/contacts/call_log.csv"), problemSink());
-    core->setSource(Source::callLog, callLog);
-    core->setRecentCalls(callLog);
-    presence = std::make_unique<PresenceFile>(core->realPath("/config/contacts/presence_buddies.json"), problemSink());
-    core->setPresence(presence.get());
-    core->ldap.setDirectory(configuredLdap());
-}
-
-// The directory that the section [ldap] of the configuration describes; none when it cannot be used.
-std::shared_ptr<LdapDirectory> Phone::State::configuredLdap() const {
-    ConfigFile& config = core->configFile();
-    const std::string mode = config.value("ldap", "mode").value_or("embedded");
-    if (mode == "server") {
-        return serverLdap(config.path());
-    }
-    if (mode != "embedded") {
-        core->addProblem(config.path().string() + ": [ldap] mode = " + mode +
-                         " is not known; write embedded or server");
-        return nullptr;
-    }
-    const std::chrono::milliseconds delay(config.integer("ldap", "delay_ms").value_or(usualLdapDelay.count()));
-    return std::make_shared<EmbeddedLdap>(
-        core->kernel,
-        std::make_unique<FileDirectory>(core->realPath("/config/contacts/ldap_directory.csv"), problemSink()),
-        core->options.ldapDelay.value_or(delay));
-}
-
-std::shared_ptr<LdapDirectory> Phone::State::serverLdap(const std::filesystem::path& config) const {
+std::shared_ptr<LdapDirectory> serverLdap(const std::shared_ptr<PhoneCore>& core) {
+    const std::filesystem::path& config = core->configFile.path();
     std::vector<std::string> mistakes;
     const auto options = readServerLdapOptions(config, mistakes);
     for (const std::string& mistake : mistakes) {
@@ -88,7 +45,7 @@ std::shared_ptr<LdapDirectory> Phone::State::serverLdap(const std::filesystem::p
         return nullptr;
     }
     try {
-        return makeServerLdap(*options, [weak = std::weak_ptr(core)](const std::string& line) {
+        return makeServerLdap(*options, [weak = core->weak_from_this()](const std::string& line) {
             if (const auto alive = weak.lock()) {
                 alive->report(6, "LDAP: " + line);
             }
@@ -99,99 +56,149 @@ std::shared_ptr<LdapDirectory> Phone::State::serverLdap(const std::filesystem::p
     }
 }
 
-Phone::Phone(PhoneOptions options) : m_state(std::make_unique<State>()) {
-    m_state->core = std::make_shared<PhoneCore>(std::move(options));
-    setCurrentPhone(m_state->core);
-    if (m_state->core->options.contactFiles) {
-        m_state->openContactFiles();
+// Reports the settings that nobody knows, and gives the sections that some of them were probably meant for.
+std::set<std::string> reportUnknownSettings(PhoneCore& core) {
+    KnownSettings known = {{"features", {"FeaturesRecentCallEnable"}}, {"ldap", {"mode", "delay_ms"}}};
+    known["ldap"].insert(known["ldap"].end(), std::begin(serverLdapKeys), std::end(serverLdapKeys));
+    std::string error;
+    const auto text = readFile(core.configFile.path(), error);
+    const SettingsCheck check = checkSettings(text ? text->bytes : "", core.configFile.path().string(), known);
+    for (const std::string& problem : check.problems) {
+        core.addProblem(problem);
+    }
+    return check.doubtful;
+}
+
+// The directory that the section [ldap] of the configuration describes; none when it cannot be used.
+std::shared_ptr<LdapDirectory> configuredLdap(const std::shared_ptr<PhoneCore>& core) {
+    ConfigFile& config = core->configFile;
+    if (reportUnknownSettings(*core).contains("ldap")) {
+        core->addProblem(config.path().string() +
+                         ": LDAP is not asked, since a misspelt setting may be what protects the password; mend it");
+        return nullptr;
+    }
+    const std::string mode = config.value("ldap", "mode").value_or("embedded");
+    if (mode == "server") {
+        return serverLdap(core);
+    }
+    if (mode != "embedded") {
+        core->addProblem(config.path().string() + ": [ldap] mode = " + mode +
+                         " is not known; write embedded or server");
+        return nullptr;
+    }
+    const std::chrono::milliseconds delay(config.integer("ldap", "delay_ms").value_or(usualLdapDelay.count()));
+    return std::make_shared<EmbeddedLdap>(
+        core->kernel,
+        std::make_unique<FileDirectory>(core->realPath("/config/contacts/ldap_directory.csv"), problemSink(core)),
+        core->options.ldapDelay.value_or(delay));
+}
+
+} // namespace
+
+Phone::Phone(PhoneOptions options) : m_core(std::make_shared<PhoneCore>(std::move(options))) {
+    setCurrentPhone(m_core);
+    if (m_core->options.contactFiles) {
+        openContactFiles();
     }
 }
 
+void Phone::openContactFiles() {
+    const ProblemSink sink = problemSink(m_core);
+    const auto open = [&](Source source, std::string_view path) {
+        setSource(source, std::make_shared<FileDirectory>(m_core->realPath(path), sink));
+    };
+    open(Source::localDirectory, "/config/contacts/local_directory.csv");
+    open(Source::remoteDirectory, "/config/contacts/remote_directory.csv");
+    open(Source::broadSoftDirectory, "/config/contacts/broadsoft_directory.csv");
+    m_callLog = std::make_shared<CallLogFile>(m_core->realPath("/config/contacts/call_log.csv"), sink);
+    setSource(Source::callLog, m_callLog);
+    setRecentCalls(m_callLog);
+    m_presence = std::make_unique<PresenceFile>(m_core->realPath("/config/contacts/presence_buddies.json"), sink);
+    setPresence(m_presence.get());
+    setLdap(configuredLdap(m_core));
+}
+
 Phone::~Phone() {
-    PhoneCore& core = *m_state->core;
-    m_state->watch.reset();
-    core.kernel.stop();
-    core.ldap.setDirectory(nullptr);
-    core.setPresence(nullptr);
+    m_watch.reset();
+    m_core->kernel.stop();
+    setLdap(nullptr);
+    setPresence(nullptr);
     setCurrentPhone(nullptr);
 }
 
 Kernel& Phone::kernel() {
-    return m_state->core->kernel;
+    return m_core->kernel;
 }
 
 const PhoneOptions& Phone::options() const {
-    return m_state->core->options;
+    return m_core->options;
 }
 
 void Phone::setSource(Source source, std::shared_ptr<ContactSource> contacts) {
-    m_state->core->setSource(source, std::move(contacts));
+    m_core->source(source).set(std::move(contacts));
 }
 
 void Phone::setRecentCalls(std::shared_ptr<RecentCalls> calls) {
-    m_state->core->setRecentCalls(std::move(calls));
+    m_core->recentCalls.set(std::move(calls));
 }
 
 void Phone::setLdap(std::shared_ptr<LdapDirectory> directory) {
-    m_state->core->ldap.setDirectory(std::move(directory));
+    m_core->ldap.setDirectory(std::move(directory));
 }
 
 void Phone::setPresence(CPresenceContactManager* manager) {
-    m_state->core->setPresence(manager);
+    m_core->presence = manager;
+}
+
+void Phone::addOutgoingCall(const GeneralDirItemData& call) {
+    if (m_callLog) {
+        m_callLog->add(call);
+    }
 }
 
 void Phone::setConfig(std::string_view key, int value) {
-    m_state->core->setConfig(key, value);
+    m_core->setConfig(key, value);
 }
 
 void Phone::announceConfigChange(long long what) {
-    m_state->core->deliver(configChanged, what);
+    m_core->deliver(MSG_CONFIG_CHANGED, what);
 }
 
 void Phone::watchSourceList() {
-    PhoneCore& core = *m_state->core;
-    if (core.kernel.driver() == Driver::live && !m_state->watch) {
-        m_state->watch = std::make_unique<FileWatch>(core.realPath("/config/data/wideseek.xml"), watchPeriod,
-                                                     [&core] { core.deliver(configChanged, sourceListChanged); });
+    if (kernel().driver() == Driver::live && !m_watch) {
+        m_watch = std::make_unique<FileWatch>(m_core->realPath("/config/data/wideseek.xml"), watchPeriod,
+                                              [this] { announceConfigChange(CFG_CHANGE_WIDESEEK); });
     }
 }
 
 bool Phone::isIdle() const {
-    const PhoneCore& core = *m_state->core;
-    const auto queries = core.ldap.queryCount();
-    return !core.ldap.isBusy() && core.kernel.pending() == 0 && core.ldap.queryCount() == queries;
+    const LdapModule& ldap = m_core->ldap;
+    const auto queries = ldap.queryCount();
+    return !ldap.isBusy() && m_core->kernel.pending() == 0 && ldap.queryCount() == queries;
 }
 
-std::vector<std::string> Phone::problems() const {
-    return m_state->core->problems.all();
+std::vector<std::string> Phone::problems(std::size_t from) const {
+    return m_core->problems.from(from);
 }
 
 void Phone::setTrace(TraceSink* sink) {
-    m_state->core->setTrace(sink);
+    m_core->traceSink = sink;
 }
 
 bool Phone::answerLdapAgain(const std::string& key, LdapAnswer answer) {
-    return m_state->core->ldap.answerAgain(m_state->core, key, std::move(answer));
+    return m_core->ldap.answerAgain(key, std::move(answer));
 }
 
 void Phone::failAllocation(std::size_t nth) {
     failTrackedAllocation(nth);
 }
 
-std::vector<Phone::Outstanding> Phone::outstanding() {
-    std::vector<Outstanding> result;
-    for (auto& [file, line, blocks] : trackedBlocks()) {
-        result.push_back({std::move(file), line, blocks});
-    }
-    return result;
+std::vector<TrackedBlocks> Phone::outstanding() {
+    return trackedBlocks();
 }
 
-void Phone::setInterruption(std::function<void(std::string_view function)> interruption) {
-    m_state->core->setInterruption(std::move(interruption));
-}
-
-std::size_t Phone::heldLocks() {
-    return host::heldLocks();
+void Phone::setInterruption(Interruption interruption) {
+    m_core->interruption.set(interruption ? std::make_shared<const Interruption>(std::move(interruption)) : nullptr);
 }
 
 } // namespace host

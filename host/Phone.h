@@ -10,46 +10,27 @@
 //     NS_WS::CWideseekController::ReleaseInstance();
 #pragma once
 
-#include "host/ContactSource.h"
-#include "host/Kernel.h"
-#include "host/LdapDirectory.h"
-#include "host/Trace.h"
+#include "host/PhoneOptions.h"
+#include "host/kernel/Interruption.h"
+#include "host/kernel/Trace.h"
+#include "host/kernel/TrackedBlocks.h"
+#include "host/sources/ContactSource.h"
+#include "host/sources/LdapDirectory.h"
+#include "host/sources/RecentCalls.h"
 
 #include "platform/Presence.h"
 
-#include <filesystem>
-#include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace host {
 
-// The synchronous sources behind the directory functions.
-enum class Source { localDirectory, callLog, remoteDirectory, broadSoftDirectory };
-
-// What answers Directory_SearchCallLogRecentOutCall.
-class RecentCalls {
-public:
-    virtual ~RecentCalls() = default;
-
-    // As the platform's function of that name, with the reason of a failure for people.
-    virtual int outgoing(OxVector<GeneralDirItemData>& calls, int from, int count, std::string& error) = 0;
-};
-
-// Where log lines go: module, level, and the line without its line feed. Called on the thread that logs, with no lock
-// of the host held.
-using LogSink = std::function<void(int module, int level, std::string_view line)>;
-
-struct PhoneOptions {
-    std::filesystem::path root; // stands in for "/"; empty: the machine's own root
-    Driver driver = Driver::live;
-    std::optional<Duration> ldapDelay; // of the embedded LDAP directory, in place of the phone's configuration
-    bool contactFiles = true;          // false: no source is set, for tests that set their own
-    LogSink log;                       // none: nothing is logged
-};
+class CallLogFile;
+class FileWatch;
+class PhoneCore;
+class PresenceFile;
 
 class Phone {
 public:
@@ -70,11 +51,16 @@ public:
     void setLdap(std::shared_ptr<LdapDirectory> directory);
     void setPresence(CPresenceContactManager* manager);
 
+    // Adds a call to the phone's own call log, as if it had just been made: it is the newest one until the next. The
+    // call log's file stays as it is. Without contact files there is no call log to add to, and nothing happens. Any
+    // thread.
+    void addOutgoingCall(const GeneralDirItemData& call);
+
     // A value of the phone's configuration in place of the configuration file's. Any thread.
     void setConfig(std::string_view key, int value);
 
-    // Delivers the message that a part of the configuration changed (0x10007 with this parameter; 52 is the source
-    // list) on the message thread. Any thread.
+    // Delivers the message that a part of the configuration changed (MSG_CONFIG_CHANGED with this parameter, such as
+    // CFG_CHANGE_WIDESEEK) on the message thread. Any thread.
     void announceConfigChange(long long what);
 
     // From now on, announces a change of the source list within a second whenever "/config/data/wideseek.xml" is
@@ -86,8 +72,9 @@ public:
     // A repeating timer that is set counts as queued. Any thread.
     bool isIdle() const;
 
-    // What went wrong with the phone's files so far ("file:line: reason"), each problem once. Any thread.
-    std::vector<std::string> problems() const;
+    // What went wrong with the phone's files so far ("file:line: reason"), each problem once, from the one with this
+    // index on: who asks again gives how many it has been given. Any thread.
+    std::vector<std::string> problems(std::size_t from = 0) const;
 
     // Told of everything that crosses the platform boundary; null ends it. Not while a search runs.
     void setTrace(TraceSink* sink);
@@ -101,30 +88,20 @@ public:
     // The nth tracked allocation from now on (1: the next) gives null, once; 0 ends that.
     static void failAllocation(std::size_t nth);
 
-    struct Outstanding {
-        std::string file;
-        int line = 0;
-        std::size_t blocks = 0;
-    };
-
     // Tracked blocks that have not been given back, by who asked for them. Any thread.
-    static std::vector<Outstanding> outstanding();
+    static std::vector<TrackedBlocks> outstanding();
 
-    // Called at every call of a platform function that another thread could come in at, with the function's name, on
-    // the calling thread and with no lock of the host held; null ends it. Not while a search runs. The functions that
-    // answer (the directories, GetListByGroupId, Ldap_SearchAsync, TaskAction_ExecAction) call it again before they
-    // return, with ":answered" behind the name. An interruption is not interrupted.
-    //
-    // What the interruption does stands for what another thread does at this moment; another thread would have to wait
-    // for the locks that the caller holds, so look at heldLocks() first.
-    void setInterruption(std::function<void(std::string_view function)> interruption);
-
-    // How many chCriticalSections the calling thread holds, each as often as it was locked.
-    static std::size_t heldLocks();
+    // Called at every call of a platform function that another thread could come in at (Interruption.h); none ends it.
+    // Not while a search runs.
+    void setInterruption(Interruption interruption);
 
 private:
-    struct State;
-    std::unique_ptr<State> m_state;
+    void openContactFiles();
+
+    const std::shared_ptr<PhoneCore> m_core;
+    std::shared_ptr<CallLogFile> m_callLog;   // null without contact files
+    std::unique_ptr<PresenceFile> m_presence; // null without contact files
+    std::unique_ptr<FileWatch> m_watch;       // null while nothing is watched
 };
 
 } // namespace host

@@ -1,12 +1,11 @@
 #include "host/PhoneCore.h"
 
-#include "host/ConfigFile.h"
-
 #include "platform/MsgQueueHelper.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <new>
 #include <utility>
 
 namespace host {
@@ -39,12 +38,9 @@ void setCurrentPhone(std::shared_ptr<PhoneCore> core) {
 }
 
 PhoneCore::PhoneCore(PhoneOptions chosen)
-    : options(std::move(chosen)), kernel(options.driver),
-      m_configFile(std::make_unique<ConfigFile>(realPath("/config/data/phone.ini"),
-                                                [this](const std::string& problem) { addProblem(problem); })) {
+    : options(std::move(chosen)), kernel(options.driver), ldap(kernel, *this),
+      configFile(realPath("/config/data/phone.ini"), [this](const std::string& problem) { addProblem(problem); }) {
 }
-
-PhoneCore::~PhoneCore() = default;
 
 std::filesystem::path PhoneCore::realPath(std::string_view path) const {
     return options.root.empty() ? std::filesystem::path(path)
@@ -58,40 +54,36 @@ void PhoneCore::addProblem(const std::string& problem) {
 }
 
 void PhoneCore::log(int module, int level, std::string_view line) {
-    if (options.log) {
-        options.log(module, level, line);
+    try {
+        if (options.log) {
+            options.log(module, level, line);
+        }
+    } catch (const std::bad_alloc&) {
+        // The line is lost: whoever logs goes on without it.
     }
 }
 
 void PhoneCore::trace(TraceEvent event) {
-    if (TraceSink* sink = m_trace) {
-        event.at = kernel.now();
+    TraceSink* sink = traceSink;
+    if (!sink) {
+        return;
+    }
+    event.at = kernel.now();
+    try {
         sink->onTrace(event);
+    } catch (const std::bad_alloc&) {
+        // So is the event.
     }
 }
 
-void PhoneCore::interrupt(std::string_view function) {
-    std::shared_ptr<const std::function<void(std::string_view)>> interruption;
-    {
-        const std::lock_guard lock(m_mutex);
-        interruption = m_interruption;
-    }
-    if (!interruption || interrupting) {
+void PhoneCore::interrupt(PlatformFunction function, PlatformCall::Moment moment) {
+    const auto comeIn = interruption.get();
+    if (!comeIn || interrupting) {
         return;
     }
     interrupting = true;
-    (*interruption)(function);
+    (*comeIn)({function, moment});
     interrupting = false;
-}
-
-std::shared_ptr<ContactSource> PhoneCore::source(Source which) const {
-    const std::lock_guard lock(m_mutex);
-    return m_sources.at(static_cast<std::size_t>(which));
-}
-
-std::shared_ptr<RecentCalls> PhoneCore::recentCalls() const {
-    const std::lock_guard lock(m_mutex);
-    return m_recentCalls;
 }
 
 int PhoneCore::configInt(std::string_view key) {
@@ -101,7 +93,12 @@ int PhoneCore::configInt(std::string_view key) {
             return set->second;
         }
     }
-    return m_configFile->integer(key).value_or(-1);
+    return configFile.integer(key).value_or(-1);
+}
+
+void PhoneCore::setConfig(std::string_view key, int value) {
+    const std::lock_guard lock(m_mutex);
+    m_config.insert_or_assign(std::string(key), value);
 }
 
 void PhoneCore::registerHandler(const MessageRegistration& registration) {
@@ -116,43 +113,30 @@ void PhoneCore::deliver(unsigned int messageId, long long parameter) {
                 [this, messageId, parameter] { workMessage(messageId, parameter); });
 }
 
-void PhoneCore::workMessage(unsigned int messageId, long long parameter) {
-    std::vector<int (*)(ETL_MsgQueueHelper::msgObject&)> handlers;
-    {
-        const std::lock_guard lock(m_mutex);
-        for (const MessageRegistration& registration : m_registrations) {
-            const bool known = std::find(handlers.begin(), handlers.end(), registration.handler) != handlers.end();
-            if (!known && registration.firstId <= messageId && messageId <= registration.lastId) {
-                handlers.push_back(registration.handler);
-            }
+// One after another instead of a list of them, which there might be no memory for.
+MessageHandler PhoneCore::nextHandler(unsigned int messageId, std::size_t& at) {
+    const std::lock_guard lock(m_mutex);
+    const auto begin = m_registrations.begin();
+    for (; at < m_registrations.size(); ++at) {
+        const auto registration = begin + static_cast<std::ptrdiff_t>(at);
+        const auto isMeant = [&](const MessageRegistration& other) {
+            return other.handler == registration->handler && other.firstId <= messageId && messageId <= other.lastId;
+        };
+        if (std::find_if(begin, registration + 1, isMeant) == registration) {
+            ++at;
+            return registration->handler;
         }
     }
-    for (const auto handler : handlers) {
+    return nullptr;
+}
+
+void PhoneCore::workMessage(unsigned int messageId, long long parameter) {
+    std::size_t at = 0;
+    while (const MessageHandler handler = nextHandler(messageId, at)) {
         ETL_MsgQueueHelper::msgObject message{messageId, parameter};
-        report(7, "message " + std::to_string(messageId) + ": a handler gives " + std::to_string(handler(message)));
+        const int result = handler(message);
+        tell(7, [&] { return "message " + std::to_string(messageId) + ": a handler gives " + std::to_string(result); });
     }
-}
-
-void PhoneCore::setSource(Source which, std::shared_ptr<ContactSource> contacts) {
-    const std::lock_guard lock(m_mutex);
-    m_sources.at(static_cast<std::size_t>(which)).swap(contacts);
-}
-
-void PhoneCore::setRecentCalls(std::shared_ptr<RecentCalls> calls) {
-    const std::lock_guard lock(m_mutex);
-    m_recentCalls.swap(calls);
-}
-
-void PhoneCore::setConfig(std::string_view key, int value) {
-    const std::lock_guard lock(m_mutex);
-    m_config.insert_or_assign(std::string(key), value);
-}
-
-void PhoneCore::setInterruption(std::function<void(std::string_view)> interruption) {
-    auto shared =
-        interruption ? std::make_shared<const std::function<void(std::string_view)>>(std::move(interruption)) : nullptr;
-    const std::lock_guard lock(m_mutex);
-    m_interruption.swap(shared);
 }
 
 } // namespace host

@@ -2,18 +2,32 @@
 //
 // A Phone (Phone.h) makes it known on construction and forgets it on destruction, after everything that was queued has
 // been let go of. Whoever works with it holds it shared, so that a function that is running when the phone goes down on
-// another thread still finds a stopped phone and not a gone one. All operations may be called from any thread, unless
-// they say otherwise.
+// another thread still finds a stopped phone and not a gone one. All operations may be called from any thread.
 #pragma once
 
-#include "host/LdapModule.h"
-#include "host/Phone.h"
-#include "host/ProblemList.h"
+#include "host/PhoneOptions.h"
+#include "host/files/ConfigFile.h"
+#include "host/kernel/Interruption.h"
+#include "host/kernel/Kernel.h"
+#include "host/kernel/ProblemList.h"
+#include "host/kernel/Reporter.h"
+#include "host/kernel/Slot.h"
+#include "host/ldap/LdapModule.h"
+#include "host/sources/ContactSource.h"
+#include "host/sources/RecentCalls.h"
+
+#include "platform/Presence.h"
 
 #include <array>
 #include <atomic>
+#include <filesystem>
+#include <functional>
 #include <map>
+#include <memory>
 #include <mutex>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace ETL_MsgQueueHelper {
 struct msgObject;
@@ -21,22 +35,20 @@ struct msgObject;
 
 namespace host {
 
-class ConfigFile;
+using MessageHandler = int (*)(ETL_MsgQueueHelper::msgObject& message);
 
 // What is called for a range of the phone's own messages.
 struct MessageRegistration {
     unsigned int firstId = 0;
     unsigned int lastId = 0;
-    int (*handler)(ETL_MsgQueueHelper::msgObject& message) = nullptr;
+    MessageHandler handler = nullptr;
 
     bool operator==(const MessageRegistration&) const = default;
 };
 
-class PhoneCore {
+class PhoneCore final : public Reporter {
 public:
     explicit PhoneCore(PhoneOptions chosen);
-    ~PhoneCore();
-
     PhoneCore(const PhoneCore&) = delete;
     PhoneCore& operator=(const PhoneCore&) = delete;
 
@@ -44,6 +56,15 @@ public:
     ProblemList problems;
     Kernel kernel;
     LdapModule ldap;
+    ConfigFile configFile;
+
+    // What stands behind the phone's functions; null: that function fails.
+    Slot<std::shared_ptr<ContactSource>>& source(Source which) { return m_sources.at(static_cast<std::size_t>(which)); }
+    Slot<std::shared_ptr<RecentCalls>> recentCalls;
+    std::atomic<CPresenceContactManager*> presence{nullptr};
+
+    std::atomic<TraceSink*> traceSink{nullptr};             // null: nobody follows
+    Slot<std::shared_ptr<const Interruption>> interruption; // none: nobody comes in
 
     std::filesystem::path realPath(std::string_view path) const;
 
@@ -53,50 +74,31 @@ public:
     // One line for the log sink, without its line feed.
     void log(int module, int level, std::string_view line);
 
-    // The log's own module number, for what the host has to say; level as in RFC 5424.
-    void report(int level, std::string_view line) { log(0, level, line); }
+    // Under the log's own module number.
+    void report(int level, std::string_view line) override { log(0, level, line); }
 
-    // Completes event with the time and hands it to the trace sink, if there is one.
-    void trace(TraceEvent event);
-    bool isTraced() const { return m_trace != nullptr; }
+    void trace(TraceEvent event) override;
 
-    // Lets another thread come in, so to speak, as Phone::setInterruption says.
-    void interrupt(std::string_view function);
+    // Lets another thread come in, so to speak.
+    void interrupt(PlatformFunction function, PlatformCall::Moment moment = PlatformCall::Moment::called);
 
-    std::shared_ptr<ContactSource> source(Source which) const;
-    std::shared_ptr<RecentCalls> recentCalls() const;
-    CPresenceContactManager* presence() const { return m_presence; }
-
-    // The value of a key of the configuration; -1 when there is none.
+    // The value of a key of the configuration: what was set here, else the file's; -1 when there is none.
     int configInt(std::string_view key);
-
-    void registerHandler(const MessageRegistration& registration);
-    void deliver(unsigned int messageId, long long parameter);
-
-    void setSource(Source which, std::shared_ptr<ContactSource> contacts);
-    void setRecentCalls(std::shared_ptr<RecentCalls> calls);
-    void setPresence(CPresenceContactManager* manager) { m_presence = manager; }
     void setConfig(std::string_view key, int value);
-    void setTrace(TraceSink* sink) { m_trace = sink; }
-    void setInterruption(std::function<void(std::string_view)> interruption);
 
-    // The configuration file; its values other than those of setConfig.
-    ConfigFile& configFile() { return *m_configFile; }
+    // Queues a message of the phone's own for the handlers that are registered for its id.
+    void deliver(unsigned int messageId, long long parameter);
+    void registerHandler(const MessageRegistration& registration);
 
 private:
     void workMessage(unsigned int messageId, long long parameter);
+    MessageHandler nextHandler(unsigned int messageId, std::size_t& at); // null: no further one
 
-    mutable std::mutex m_mutex; // guards what follows, up to the next remark
-    std::array<std::shared_ptr<ContactSource>, 4> m_sources;
-    std::shared_ptr<RecentCalls> m_recentCalls;
+    std::array<Slot<std::shared_ptr<ContactSource>>, 4> m_sources;
+
+    std::mutex m_mutex; // guards what follows
     std::map<std::string, int, std::less<>> m_config;
     std::vector<MessageRegistration> m_registrations;
-    std::shared_ptr<const std::function<void(std::string_view)>> m_interruption;
-
-    // Guard themselves.
-    std::atomic<TraceSink*> m_trace{nullptr};
-    std::unique_ptr<ConfigFile> m_configFile;
-    std::atomic<CPresenceContactManager*> m_presence{nullptr};
 };
 
 // The phone that the functions of platform/ act on; null when there is none.

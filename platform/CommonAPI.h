@@ -2,7 +2,8 @@
 //
 // All functions are pure, may be called from any thread and take any bytes: text is UTF-8, and bytes that are not UTF-8
 // pass through unharmed. Folding is Unicode's (https://www.unicode.org/reports/tr15/, full case folding, compatibility
-// decomposition), without the phone's locale.
+// decomposition), without the phone's locale. A function that needs memory which is not there throws std::bad_alloc, so
+// that no answer is taken for one that it is not.
 #pragma once
 
 #include <string>
@@ -33,8 +34,7 @@ bool CommonAPI_IsSearchByT9(const std::string& strKey);
 std::string CommonAPI_TrimString(const std::string& strText, const std::string& strChars, TrimType eType);
 
 // Non-zero when strText matches strKey. STRING_MATCH_CONTAINS: strKey occurs anywhere in strText, where letter case,
-// accents and width make no difference (bWholeWord false), or with no letter or digit beside it (bWholeWord true). An
-// empty strKey matches everything.
+// accents and width make no difference. An empty strKey matches everything. bWholeWord is false.
 int CommonAPI_StringMatch(const std::string& strText, const std::string& strKey, bool bWholeWord,
                           StringMatchType eType);
 

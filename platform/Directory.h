@@ -1,11 +1,11 @@
 // The phone's directory and call-log modules.
 //
 // The four query functions take a record whose strKey is set, append the matching contacts to its listResult, and
-// return true on success. On failure they return false and may have appended some contacts all the same. An empty key
-// is an allowed key. Key and contacts match as CommonAPI_StringMatch and CommonUnits_ToKeyString (CommonAPI.h) decide:
-// a key of keypad digits is looked for in the numbers (without "+") and in the keypad form of the name, any other key
-// in the name, so that a query for a longer key finds a part of what a query for its beginning found. The record stays
-// the caller's. They block until the answer is there. Any thread.
+// return true on success. On failure, want of memory included, they return false and may have appended some contacts
+// all the same. An empty key is an allowed key. Key and contacts match as CommonAPI_StringMatch and
+// CommonUnits_ToKeyString (CommonAPI.h) decide: a key of keypad digits is looked for in the numbers (without "+") and
+// in the keypad form of the name, any other key in the name, so that a query for a longer key finds a part of what a
+// query for its beginning found. The record stays the caller's. They block until the answer is there. Any thread.
 #pragma once
 
 struct WideseekItemListData;

@@ -14,8 +14,8 @@ struct LdapResultItem {
     std::string strNumber;
 };
 
-// The answer to one query, delivered to the query's callback object. Its type id is 3, its result code 0 when the query
-// succeeded; with any other code the rows are not to be used.
+// The answer to one query, delivered to the query's callback object. Its type id is TASK_TYPE_LDAP, its result code 0
+// when the query succeeded; with any other code the rows are not to be used.
 class CLdapAction : public CTaskAction {
 public:
     CLdapAction();
@@ -42,6 +42,7 @@ private:
 // pCallback->OnTaskActionCallback on the thread pThread; a directory that cannot be reached or does not answer in time
 // is an answer with a result code other than 0. A newer query for the same callback object abandons the older one,
 // which then gives no answer at all, and so does the destruction of the callback object. The answer is never delivered
-// from within this call. Non-zero: the query was started; zero: it was not, and the answer says so too. Any thread.
+// from within this call. Non-zero: the query was started; zero: it was not, and the answer says so too, unless there is
+// no memory even for that. Any thread.
 int Ldap_SearchAsync(const std::string& strKey, int iFromIndex, int iMaxCount,
                      NS_TA::CTaskActionCallbackBase* pCallback, void* pThread);

@@ -1,19 +1,26 @@
 // The phone's messaging: named threads that work through queues of messages, the objects that messages are for, timers,
 // and the registration of handlers for the phone's own messages.
 //
-// One thread works one message at a time, in order of due time and, for equal times, of posting. The thread on which
-// contact searches are done is named "ThreadLocalContactSearch".
+// One thread works one message at a time, in order of due time and, for equal times, of posting.
 //
 // A message never reaches an object that is gone: see chMsgProcesser::WithdrawMessages and the destructors below.
 #pragma once
 
 namespace ETL_MsgQueueHelper {
 
+// The thread on which contact searches are done.
+inline constexpr const char* THREAD_CONTACT_SEARCH = "ThreadLocalContactSearch";
+
+// The messages that the search knows, and their first parameters.
+inline constexpr unsigned int MSG_THREAD_TIMER = 0x8113;    // a thread timer has expired
+inline constexpr unsigned int MSG_CONFIG_CHANGED = 0x10007; // a part of the configuration has changed, namely:
+inline constexpr long long CFG_CHANGE_WIDESEEK = 52;        // the list of contact sources
+
 struct chProcesserAccess; // the messaging's own way to an object's state
 
 // One message as its handler sees it.
 struct msgObject {
-    unsigned int uMessageId = 0; // what happened, for example 0x8113: a thread timer expired
+    unsigned int uMessageId = 0; // what happened, such as MSG_THREAD_TIMER
     long long llParam1 = 0;      // first parameter; its meaning depends on the message
 };
 
@@ -32,16 +39,12 @@ public:
     chMsgProcesser(const chMsgProcesser&) = delete;
     chMsgProcesser& operator=(const chMsgProcesser&) = delete;
 
-    // The thread on which messages for this object run, as returned by GetLocalThreadByName; null means the phone's
-    // main thread. Any thread.
-    void SetProcessThread(void* pThread);
-    void* GetProcessThread() const;
-
 protected:
     // Removes every message that is queued for this object, timer expiries and answers of asynchronous queries
     // included, and waits for a message for it that is running on another thread. Nothing is delivered to the object
-    // afterwards. The destructor of a class whose members its handlers use calls this first, so that no handler meets
-    // a half destroyed object. Any thread; must not be called with a lock held that a handler of this object takes.
+    // afterwards. Needs no memory. The destructor of a class whose members its handlers use calls this first, so that
+    // no handler meets a half destroyed object. Any thread; must not be called with a lock held that a handler of this
+    // object takes.
     void WithdrawMessages();
 
 private:
@@ -65,12 +68,13 @@ public:
     bool IsTimerRuning() const;
 
     // No expiry begins after this call, unless the timer is set again. An expiry that is already running is not waited
-    // for, so a handler may kill its own timer.
+    // for, so a handler may kill its own timer. Needs no memory.
     void KillTimer();
 
-    // Calls (pProcesser->*pHandler) with a message of id 0x8113 every llPeriod milliseconds (1 when it is less), the
-    // first time llPeriod from now, on the thread of pProcesser. Setting a running timer starts its period anew.
-    // pUserData is not used by the timer. Returns false when pProcesser or pHandler is null. pProcesser is not owned.
+    // Calls (pProcesser->*pHandler) with a message of id MSG_THREAD_TIMER every llPeriod milliseconds (1 when it is
+    // less), the first time llPeriod from now, on the thread of pProcesser. Setting a running timer starts its period
+    // anew. pUserData is not used by the timer. Returns false when pProcesser or pHandler is null or there
+    // is no memory; the timer is stopped then. pProcesser is not owned.
     bool SetTimer(long long llPeriod, void* pUserData, chMsgProcesser* pProcesser,
                   int (chMsgProcesser::*pHandler)(msgObject& msg));
 
@@ -81,7 +85,7 @@ private:
 // The threads of this process.
 class chProcessLocal {
 public:
-    // The handle of a thread, for SetProcessThread and its like; null when there is none of this name. Handles stay
+    // The handle of a thread, for whatever names a thread to run on; null when there is none of this name. Handles stay
     // valid as long as the phone runs. Any thread.
     void* GetLocalThreadByName(const char* pszName);
 };
@@ -98,6 +102,7 @@ chSystemShare* uCSystemShareHelpergetGlobalObject();
 
 // Has pHandler called for every phone message with an id from uFirstId to uLastId, both included, on the phone's
 // message thread, which is none of the threads that search. Registering the same handler for the same ids again changes
-// nothing. A registration is never withdrawn. The handler's result is for the phone's log only. Any thread.
+// nothing. A registration is never withdrawn. The handler's result is for the phone's log only. Throws std::bad_alloc,
+// with nothing registered, without memory. Any thread.
 void EtlMsgHandler_RegisterMsgHandle(unsigned int uFirstId, unsigned int uLastId,
                                      int (*pHandler)(ETL_MsgQueueHelper::msgObject& msg));

@@ -16,6 +16,11 @@ enum PresenceType {
     PRESENCE_TYPE_BUDDY = 2,
 };
 
+// What an attribute of a buddy is (the iType of an Attribute).
+enum AttributeType {
+    ATTRIBUTE_TYPE_PHONE = 2, // a phone number
+};
+
 // The answer of a buddy query: the ids of the buddies found, and four numbers that only the library itself uses.
 struct ContactBuddyListData {
     std::list<int> listContactId;

@@ -14,6 +14,13 @@ namespace NS_TA {
 
 class CTaskAction;
 
+// Which kind of action one is, for receivers of several kinds.
+enum TaskType {
+    TASK_TYPE_LDAP = 3,          // an answer of the LDAP module (Ldap.h)
+    TASK_TYPE_WIDESEEK = 6,      // the contact search
+    TASK_TYPE_WIDESEEK_PAGE = 7, // a page of its rows
+};
+
 class chObject {
 public:
     chObject();
@@ -52,7 +59,7 @@ public:
 
     // Posts pAction to this object's callback thread and returns; it never waits for the receiver and calls nothing
     // back, so a caller may hold locks. Holds a reference on pAction until OnTaskActionCallback has returned or the
-    // message has been withdrawn. Does nothing for null. Any thread.
+    // message has been withdrawn. Does nothing for null; without memory for the message nothing is posted. Any thread.
     void SendMessageToCallingThread(CTaskAction* pAction);
 };
 
@@ -62,10 +69,10 @@ public:
     CTaskAction();
     ~CTaskAction() override;
 
-    // The work itself. True: done. Runs on the thread "ThreadLocalContactSearch".
+    // The work itself. True: done. Runs on the thread THREAD_CONTACT_SEARCH.
     virtual bool Exec();
 
-    // Which kind of action this is, for receivers: 3 marks an answer of the LDAP module (Ldap.h).
+    // Which kind of action this is: a TaskType, or a number of the phone's own.
     int GetTypeId() const { return m_iTypeId; }
     void SetTypeId(int iTypeId) { m_iTypeId = iTypeId; }
 
@@ -83,7 +90,7 @@ protected:
 
 } // namespace NS_TA
 
-// Queues pAction for execution on the thread "ThreadLocalContactSearch" and returns at once. An action that is queued
+// Queues pAction for execution on the thread THREAD_CONTACT_SEARCH and returns at once. An action that is queued
 // twice is executed twice. Holds a reference on it until Exec has returned or the phone goes down. Non-zero: queued;
-// zero: not taken (null action, or the phone is going down). Any thread.
+// zero: not taken (null action, no memory, or the phone is going down). Any thread.
 int TaskAction_ExecAction(NS_TA::CTaskAction* pAction);

@@ -30,10 +30,51 @@ check_includes "$module" "\"(platform|$module)/[A-Za-z0-9]+\.h\"|<pugixml\.hpp>|
 check_includes host "\"((host|platform)/[A-Za-z0-9/]+|$shared_records)\.h\"|<.*>"
 check_includes tools "\"((tools|host|platform)/[A-Za-z0-9/]+|$for_callers)\.h\"|<.*>"
 
-# Compiles one header as all there is of a source file.
+# The rooms of host/, each with those that it may include besides itself: only such as stand above it. host/ itself, the
+# phone as a whole, is the room ".".
+rooms='
+text
+kernel
+sources
+files         text
+contacts      text files sources
+ldap/server   text files sources
+ldap          kernel sources
+.             text kernel sources files contacts ldap/server ldap
+platform      text kernel sources .
+'
+known=' '
+while read -r room others; do
+    [[ -n $room ]] || continue
+    for other in $others; do
+        if [[ $known != *" $other "* ]]; then
+            echo "check-headers: the table of rooms lets host/$room include host/$other, which stands below it" >&2
+            failed=yes
+        fi
+    done
+    known+="$room "
+    # host/text/Fold.h is in the room text, host/Phone.h in the room "."
+    allowed=$(for each in $room $others; do [[ $each == . ]] && echo host || echo "host/$each"; done | paste -sd '|')
+    if find "host/$room" -maxdepth 1 -name '*.h' -print0 -o -maxdepth 1 -name '*.cpp' -print0 |
+        xargs -0 grep -nE '^ *# *include "host/' | grep -vE "include \"($allowed)/[A-Za-z0-9]+\.h\"" >&2; then
+        echo "check-headers: host/$room may include $allowed, not what is listed above; turn the include round, or" \
+            "move what is needed to a room that both may include" >&2
+        failed=yes
+    fi
+done <<<"$rooms"
+while IFS= read -r folder; do
+    room=${folder#host/}
+    if [[ $known != *" ${room/#host/.} "* ]]; then
+        echo "check-headers: $folder is no room of the table in scripts/check-headers.sh; add it there" >&2
+        failed=yes
+    fi
+done < <(find host -name '*.h' -printf '%h\n' | sort -u)
+
+# Compiles one header as all there is of a source file. What the module has for itself may catch exceptions; what a phone
+# compiles may not.
 compile_alone() {
     local compiler=$1 header=$2 options=()
-    [[ $header == host/* ]] || options=(-fno-exceptions)
+    [[ $header == host/* || $header == */WideseekInternal.h ]] || options=(-fno-exceptions)
     "$compiler" -std=c++20 -Wall -Wextra -Wpedantic -Werror "${options[@]}" -I. -fsyntax-only -include "$header" \
         -x c++ /dev/null || { echo "check-headers: $header does not compile alone with $compiler ${options[*]}" && exit 1; }
 }

@@ -5,26 +5,27 @@
 #   scripts/check.sh NAME        one check, with its own words
 #   scripts/check.sh NAME NAME.. these checks, run and reported by ctest
 #
-#   format   sources are as clang-format writes them          (check-format.sh)
-#   headers  headers stand alone; nobody includes across      (check-headers.sh)
-#   symbols  libWideseek.so shows and needs what it should    (check-symbols.sh)
-#   docs     what the documents name and show is so          (check-docs.py)
-#   lint     clang-tidy                                       (check-lint.sh)
-#   tests    all tests, built by GCC                          (test.sh)
-#   clang    all tests, built by Clang with its thread safety analysis
-#   asan     all tests, with AddressSanitizer, LeakSanitizer and UndefinedBehaviorSanitizer
-#   tsan     all tests that have threads, with ThreadSanitizer
-#   fuzz     each fuzz target for a few seconds
-#   run      everything builds for release, run.sh shows its demonstration, and has nothing to do the second time; a
-#            short typing session finds what other searches find
+#   format     sources are as clang-format writes them          (check-format.sh)
+#   headers    headers stand alone; nobody includes across      (check-headers.sh)
+#   symbols    libWideseek.so shows and needs what it should    (check-symbols.sh)
+#   hardening  memory errors meet guards in what is shipped     (check-hardening.sh)
+#   docs       what the documents name and show is so           (check-docs.py)
+#   lint       clang-tidy                                       (check-lint.sh)
+#   tests      all tests, built by GCC                          (test.sh)
+#   clang      all tests, built by Clang with its thread safety analysis
+#   asan       all tests, with AddressSanitizer, LeakSanitizer and UndefinedBehaviorSanitizer
+#   tsan       all tests that have threads, with ThreadSanitizer
+#   fuzz       each fuzz target for a few seconds
+#   run        everything builds for release, run.sh shows its demonstration, and has nothing to do the second time; a
+#              short typing session finds what other searches find
 #
 # By name only, as it fetches a compiler and an emulator:
 #
-#   arm      everything builds for the 32-bit ARM phone; in qemu, all tests but those with a server
+#   arm        everything builds for the 32-bit ARM phone; in qemu, all tests but those with a server
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-checks=(format headers symbols docs lint tests clang asan tsan fuzz run)
+checks=(format headers symbols hardening docs lint tests clang asan tsan fuzz run)
 by_name=(arm)
 
 # Builds a preset and runs its tests, but those that match a pattern. ThreadSanitizer cannot work where addresses are
@@ -46,7 +47,7 @@ check_fuzz() {
         corpus=build/fuzz/corpus/$name
         mkdir -p "$corpus"
         echo "$name, ${WIDESEEK_FUZZ_SECONDS:=15} seconds"
-        "build/fuzz/$name" -max_total_time="$WIDESEEK_FUZZ_SECONDS" -verbosity=0 -print_final_stats=1 \
+        "build/fuzz/$name" -max_total_time="$WIDESEEK_FUZZ_SECONDS" -timeout=60 -verbosity=0 -print_final_stats=1 \
             -artifact_prefix="build/fuzz/" "$corpus" "tests/fuzz/corpus/${name%_fuzz}"
     done
 }
@@ -74,7 +75,7 @@ check_arm() {
 
 run_check() {
     case $1 in
-    format | headers | symbols | lint) "scripts/check-$1.sh" ;;
+    format | headers | symbols | hardening | lint) "scripts/check-$1.sh" ;;
     docs)
         ./run.sh --version >/dev/null # builds
         scripts/check-docs.py

@@ -63,6 +63,12 @@ for content, place in (("<root_wideseek>\n <item x=1/></root_wideseek>", ":2:10"
     expect(ended.returncode == 2 and ended.stderr.decode().startswith(f"{FILE}{place}: error: "), f"{content}: {ended}")
     expect(json.loads(run("check", FILE, "--json").stdout)["error"]["message"], f"{content}: no error in JSON")
 
+# Fifty thousand items, side by side or one in the other, take no longer in proportion. None is a file that never ends.
+for many in ("<item/>" * 50_000, "<item>" * 50_000 + "</item>" * 50_000):
+    FILE.write_text(f"<root_wideseek>{many}</root_wideseek>")
+    expect(run("check", FILE, timeout=10).returncode == 1, "fifty thousand items")
+expect(b"is not a file" in run("check", "/dev/zero").stderr, "a device is read")
+
 # The phone bears the checker out: every id that it knows is asked, and an unknown or repeated one holds the page back.
 for ids, asked, pages in ((KNOWN, 7, 1), ((*KNOWN[:3], "foo"), 3, 0), ((KNOWN[0], KNOWN[0]), 2, 0),
                           (("foo", KNOWN[3]), 1, 1)):

@@ -30,8 +30,9 @@ mv "$work/staged" "$work/firmware"
 prefix=$work/firmware
 
 module=app/Gui/Logic/Wideseek
-wanted=("$module"/{modWideseek,OxContainer,WideseekAction,WideseekCBData,WideseekCfgData,WideseekController}.h
-    "$module"/{WideseekData,WideseekExport}.h platform/*.h)
+wanted=("$module"/{modWideseek,OxContainer,WideseekAction,WideseekBucket,WideseekCBData,WideseekCfgData}.h
+    "$module"/{WideseekController,WideseekData,WideseekExport,WideseekFilterWalk,WideseekPage}.h
+    "$module"/WideseekRequest.h platform/*.h)
 diff <(printf '%s\n' "${wanted[@]}" | sort) <(cd "$prefix/include/wideseek" && find . -type f -printf '%P\n' | sort) || {
     echo "consumer_check: other headers are installed (>) than are wanted (<)" >&2
     exit 1

@@ -1,8 +1,8 @@
 // Contacts: which of them match a key, how they are read from files, and how a file's change is noticed.
-#include "host/CallLogFile.h"
-#include "host/ContactFile.h"
-#include "host/ContactIndex.h"
-#include "host/FileDirectory.h"
+#include "host/contacts/CallLogFile.h"
+#include "host/contacts/ContactFile.h"
+#include "host/contacts/ContactIndex.h"
+#include "host/contacts/FileDirectory.h"
 #include "platform/CommonAPI.h"
 #include "tests/support/SteppedPhone.h"
 
@@ -112,20 +112,19 @@ TEST(ContactFiles, KeepEveryContactThatCanBeReadAndNameTheLineOfEveryOther) {
          {"f:1: the column \"phone\" is unknown", "f:1: names the column \"name\" twice"}},
         {"name,number\nA\0,1\nB,2\rC,3\nF,+\n\"#1\",5\n#no\nJos\xE9,6\n"s,
          {"F|+|||", "#1|5|||", "Jos\xE9|6|||"},
-         {"f:2: holds a NUL byte", "f:3: a quotation mark or carriage return", "f:4: \"+\" is not a number"}},
+         {"f:2: holds a NUL byte", "f:3: a quotation mark or carriage return", "f:4: \"+\" is not a number",
+          "f:7: is not UTF-8 text"}},
         {"Ann\nBo\n", {}, {"f:1: the column \"Ann\"", "f:1: names no known column"}},
         {"#\n\n", {}, {"f: is empty"}},
         {"na\"me,number\nAnn,1\n", {}, {"f:1: a quotation mark"}},
         {"\xFF\xFEn\0a\0"s, {}, {"f:1: is UTF-16"}},
     };
     for (const auto& [bytes, contacts, problems] : cases) {
-        host::ContactFile read = host::readContacts(bytes, "f");
+        Strings lines;
+        host::ContactFile read = host::readContacts(
+            bytes, "f", [&](const DirectorySearchData& contact) { lines.push_back(shown(contact)); });
         EXPECT_EQ(read.error.empty(), !contacts.empty()) << read.error;
         read.problems.push_back(read.error);
-        Strings lines;
-        for (const auto& contact : read.contacts) {
-            lines.push_back(shown(contact));
-        }
         EXPECT_EQ(lines, contacts) << bytes;
         ASSERT_EQ(read.problems.size(), problems.size() + (read.error.empty() ? 1 : 0))
             << bytes << testing::PrintToString(read.problems);
@@ -134,6 +133,14 @@ TEST(ContactFiles, KeepEveryContactThatCanBeReadAndNameTheLineOfEveryOther) {
             EXPECT_NE(read.problems[i].find(" - "), std::string::npos) << "says what to do: " << read.problems[i];
         }
     }
+    std::string bad = "name,number\nA,x" + std::string(1 << 20, 'x') + "\xC3\n";
+    for (int i = 0; i < 100'000; ++i) {
+        bad += ",\n";
+    }
+    const std::vector<std::string> problems = host::readContacts(bad, "f", [](const auto&) {}).problems;
+    ASSERT_EQ(problems.size(), host::Problems::most + 1) << "the last one says that there are more";
+    EXPECT_TRUE(problems.back().starts_with("f: has more problems than these 100")) << problems.back();
+    EXPECT_TRUE(std::all_of(problems.begin(), problems.end(), [](const auto& each) { return each.size() < 700; }));
 }
 
 class Files : public testing::Test {
@@ -241,13 +248,15 @@ TEST_F(Files, OfCallsGiveTheNewestFirstAndEachPersonOnce) {
     EXPECT_EQ(outgoing(log, -1, 10), Strings{"-1"});
     EXPECT_EQ(outgoing(log, 0, -1), Strings{"-1"});
 
-    log.add({"2026-11-20T09:00:00", host::CallDirection::out, "Cy", "6", ""});
-    EXPECT_EQ(outgoing(log, 0, 1), (Strings{"4", "Cy|6|"}));
-    write("time,direction,number\n2026-11-20T10:00:00,out,7\n");
-    EXPECT_EQ(outgoing(log, 0, 9), (Strings{"2", "|7|", "Cy|6|"})) << "an added call outlives a change of the file";
+    log.add({"Di", "8", "then"});
+    log.add({"Cy", "6", ""});
+    EXPECT_EQ(outgoing(log, 0, 2), (Strings{"5", "Cy|6|", "Di|8|then"}));
+    write("time,direction,number\n9999-12-31T23:59:59,out,7\n");
+    EXPECT_EQ(outgoing(log, 0, 9), (Strings{"3", "Cy|6|", "Di|8|then", "|7|"}))
+        << "an added call outlives a change of the file, and is newer whatever the file says";
     write("number,time\n7,2026-11-20T10:00:00\n");
     EXPECT_NE(found(log, "").front().find("names no column \"direction\""), std::string::npos);
-    EXPECT_EQ(outgoing(log, 0, 9), (Strings{"1", "Cy|6|"})) << "an added call needs no file";
+    EXPECT_EQ(outgoing(log, 0, 1), (Strings{"2", "Cy|6|"})) << "an added call needs no file";
 }
 
 } // namespace

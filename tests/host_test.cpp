@@ -1,7 +1,8 @@
 // The phone's messaging: reference counts, timers, task actions, memory, log, configuration messages.
 
-#include "host/FileWatch.h"
 #include "host/Phone.h"
+#include "host/files/FileWatch.h"
+#include "host/kernel/HeldLocks.h"
 #include "platform/AppLog.h"
 #include "platform/BaseHelper.h"
 #include "platform/ConfigParser.h"
@@ -11,6 +12,7 @@
 #include "tests/support/SteppedPhone.h"
 
 #include <atomic>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <thread>
 
@@ -22,6 +24,8 @@ using ETL_MsgQueueHelper::chThreadTimer;
 using ETL_MsgQueueHelper::msgObject;
 using host::Driver;
 using host::Phone;
+using testing::ElementsAre;
+using testing::HasSubstr;
 using Lines = std::vector<std::string>;
 
 // "file:line x blocks" of each place that has blocks outstanding
@@ -187,7 +191,7 @@ TEST_F(SteppedHost, GoingDownGivesBackEverythingThatIsQueuedAndLeavesCallsThatFa
     EXPECT_EQ(lines, (Lines{"1/6 gone", "1/6 gone"})) << "the log works to the last";
     WideseekItemListData query;
     EXPECT_FALSE(receiver.set(timer, 10) || Directory_LocalDirWideseek(&query));
-    EXPECT_EQ(Ldap_SearchAsync("a", 0, 1, &receiver, nullptr) + TaskAction_ExecAction(&receiver), 0);
+    EXPECT_FALSE(Ldap_SearchAsync("a", 0, 1, &receiver, nullptr) || TaskAction_ExecAction(&receiver));
     EXPECT_EQ(threadOf("ThreadMain"), nullptr);
     EXPECT_EQ(configParser_GetConfigInt("FeaturesRecentCallEnable"), -1);
     phone = make();
@@ -199,21 +203,24 @@ TEST_F(SteppedHost, GoingDownGivesBackEverythingThatIsQueuedAndLeavesCallsThatFa
 }
 
 int handled = 0;
-int countRight(msgObject& msg) {
-    handled += msg.uMessageId == 0x10007 && msg.llParam1 == 52 ? 1 : 100;
-    return 0;
+int handle(msgObject& msg) {
+    EXPECT_EQ(msg.uMessageId, ETL_MsgQueueHelper::MSG_CONFIG_CHANGED);
+    EXPECT_EQ(msg.llParam1, ETL_MsgQueueHelper::CFG_CHANGE_WIDESEEK);
+    return ++handled;
 }
-int countWrong(msgObject&) {
-    return handled += 1000;
+int refuse(msgObject& msg) {
+    ADD_FAILURE() << msg.uMessageId << " is not in the registered range";
+    return 0;
 }
 
 TEST_F(SteppedHost, AConfigurationChangeReachesEachRegisteredHandlerOnce) {
     handled = 0;
-    EtlMsgHandler_RegisterMsgHandle(0x10007, 0x10007, countRight);
-    EtlMsgHandler_RegisterMsgHandle(0x10000, 0x10010, countRight);
-    EtlMsgHandler_RegisterMsgHandle(0x10000, 0x10006, countWrong);
-    EtlMsgHandler_RegisterMsgHandle(0x10008, 0x20000, countWrong);
-    phone->announceConfigChange(52);
+    constexpr unsigned int id = ETL_MsgQueueHelper::MSG_CONFIG_CHANGED;
+    EtlMsgHandler_RegisterMsgHandle(id, id, handle);
+    EtlMsgHandler_RegisterMsgHandle(id - 7, id + 9, handle);
+    EtlMsgHandler_RegisterMsgHandle(id - 7, id - 1, refuse);
+    EtlMsgHandler_RegisterMsgHandle(id + 1, id + 9, refuse);
+    phone->announceConfigChange(ETL_MsgQueueHelper::CFG_CHANGE_WIDESEEK);
     EXPECT_EQ(handled, 0) << "never from within the call";
     EXPECT_EQ(phone->kernel().ready().at(0).thread, "ThreadMessage");
     run();
@@ -233,13 +240,10 @@ TEST_F(SteppedHost, ConfigurationValuesAreIntegersOfAnySectionAsTheFileStands) {
     for (const auto& [key, expected] : cases) {
         EXPECT_EQ(value(key), expected) << key;
     }
-    const char* const reasons[] = {"phone.ini:16: sets I again", "phone.ini:17: is skipped: it is longer than 199",
-                                   "phone.ini:15: is skipped; write", "G has different values in [other] and [third]"};
-    const auto problems = phone->problems();
-    ASSERT_EQ(problems.size(), std::size(reasons));
-    for (std::size_t i = 0; i < problems.size(); ++i) {
-        EXPECT_NE(problems[i].find(reasons[i]), std::string::npos) << problems[i];
-    }
+    EXPECT_THAT(phone->problems(), ElementsAre(HasSubstr("phone.ini:16: sets I again"),
+                                               HasSubstr("phone.ini:17: is skipped: it is longer than 199"),
+                                               HasSubstr("phone.ini:15: is skipped; write"),
+                                               HasSubstr("G has different values in [other] and [third]")));
     phone->setConfig("A", 5);
     root.write(file, "B = 8\n");
     EXPECT_EQ(value("A"), 5);
@@ -248,15 +252,16 @@ TEST_F(SteppedHost, ConfigurationValuesAreIntegersOfAnySectionAsTheFileStands) {
 }
 
 TEST_F(SteppedHost, AnInterruptionComesInAtACallKnowsTheLocksAndIsNotInterrupted) {
-    phone->setInterruption([&](std::string_view function) {
-        app_log(1, 6, "in %s with %zu\n", std::string(function).c_str(), std::size_t{Phone::heldLocks()});
+    phone->setInterruption([&](host::PlatformCall call) {
+        EXPECT_EQ(call, host::PlatformCall{host::PlatformFunction::log});
+        app_log(1, 6, "in with %zu\n", std::size_t{host::heldLocks()});
     });
     ETL_BaseHelper::chCriticalSection lock;
     lock.Lock();
     app_log(10, 3, "%s, %d", std::string(5000, 'x').c_str(), 7);
     lock.Unlock();
     phone->setInterruption(nullptr);
-    EXPECT_EQ(lines, (Lines{"1/6 in app_log with 1", "10/3 " + std::string(5000, 'x') + ", 7"}));
+    EXPECT_EQ(lines, (Lines{"1/6 in with 1", "10/3 " + std::string(5000, 'x') + ", 7"}));
 }
 
 TEST(FileWatch, AChangeACreationAndARemovalAreEachReportedOnce) {

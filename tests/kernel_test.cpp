@@ -1,6 +1,6 @@
 // The kernel: order, virtual time, withdrawing and stopping, in both drivers.
 
-#include "host/Kernel.h"
+#include "host/kernel/Kernel.h"
 
 #include <atomic>
 #include <functional>
@@ -15,6 +15,7 @@ namespace {
 using namespace std::chrono_literals;
 using host::Driver;
 using host::Kernel;
+using Names = std::vector<std::string>;
 
 // Runs something when the last copy of the message that holds it goes.
 std::shared_ptr<void> atRelease(std::function<void()> run) {
@@ -24,12 +25,11 @@ std::shared_ptr<void> atRelease(std::function<void()> run) {
 class SteppedKernel : public testing::Test {
 protected:
     Kernel kernel{Driver::stepped};
-    std::string order; // of what ran
+    Names ran; // in this order
 
-    void post(char name, std::string_view thread = Kernel::mainThread, host::Duration delay = 0ms,
+    void post(const std::string& name, std::string_view thread = Kernel::mainThread, host::Duration delay = 0ms,
               host::Target target = {}) {
-        EXPECT_TRUE(kernel.post(kernel.findThread(thread), target, delay, std::string(1, name),
-                                [this, name] { order += name; }));
+        EXPECT_TRUE(kernel.post(kernel.findThread(thread), target, delay, name, [this, name] { ran.push_back(name); }));
     }
 };
 
@@ -56,51 +56,56 @@ protected:
 };
 
 TEST_F(SteppedKernel, MessagesRunByDueTimeThenInOrderOfPostingAndNeverBeforeTheirTime) {
-    post('e', Kernel::mainThread, 20ms);
-    post('b', Kernel::searchThread);
-    post('d', Kernel::messageThread, 10ms);
-    post('a', Kernel::mainThread);
-    post('f', Kernel::searchThread, 20ms);
-    post('c', Kernel::mainThread, -5ms);
+    post("after 20 ms", Kernel::mainThread, 20ms);
+    post("at once", Kernel::searchThread);
+    post("after 10 ms", Kernel::messageThread, 10ms);
+    post("chosen first", Kernel::mainThread);
+    post("after 20 ms, posted later", Kernel::searchThread, 20ms);
+    post("at once, second of its thread", Kernel::mainThread, -5ms);
     const auto ready = kernel.ready();
     ASSERT_EQ(ready.size(), 2U) << "neither the second of a thread nor one that is not due";
-    EXPECT_EQ(ready[0].label + ready[0].thread + ready[1].label, "bThreadLocalContactSearcha");
-    EXPECT_FALSE(kernel.step(ready[1].sequence + 2)) << "c is behind a";
-    EXPECT_TRUE(kernel.step(ready[1].sequence)) << "which is chosen before b";
+    EXPECT_EQ(ready[0].label, "at once");
+    EXPECT_EQ(ready[0].thread, Kernel::searchThread);
+    EXPECT_EQ(ready[1].label, "chosen first");
+    EXPECT_FALSE(kernel.step(ready[1].sequence + 2)) << "the second of its thread";
+    EXPECT_TRUE(kernel.step(ready[1].sequence));
     kernel.advance(20ms - 1us);
-    EXPECT_EQ(order, "abcd");
+    const Names early = {"chosen first", "at once", "at once, second of its thread", "after 10 ms"};
+    EXPECT_EQ(ran, early);
     kernel.moveTime(1us);
-    EXPECT_EQ(order, "abcd") << "moving time runs nothing";
+    EXPECT_EQ(ran, early) << "moving time runs nothing";
     EXPECT_TRUE(kernel.step());
     EXPECT_EQ(kernel.nextDue(), 20ms);
     kernel.advance(1h);
-    EXPECT_EQ(order, "abcdef");
+    ASSERT_EQ(ran.size(), 6U);
+    EXPECT_EQ(ran[4] + ", " + ran[5], "after 20 ms, after 20 ms, posted later");
     EXPECT_FALSE(kernel.step());
     EXPECT_EQ(kernel.now(), 1h + 20ms);
 }
 
 TEST_F(SteppedKernel, WithdrawingRemovesExactlyWhatIsAddressedAndDoesNotWaitForItself) {
-    const int objects[2] = {};
-    const int tokens[2] = {};
-    post('a', Kernel::mainThread, 0ms, {&objects[0], &tokens[0]});
-    post('b', Kernel::searchThread, 5ms, {&objects[0], &tokens[1]});
-    post('c', Kernel::mainThread, 0ms, {&objects[1], &tokens[0]});
-    post('d', Kernel::mainThread, 0ms, {&objects[1], &tokens[1]});
-    post('e');
+    const int kept[2] = {};
+    const int object = 0;
+    const int token = 0;
+    post("of the object", Kernel::mainThread, 0ms, {&object, &kept[1]});
+    post("of the object, with the token, later", Kernel::searchThread, 5ms, {&object, &token});
+    post("of others", Kernel::mainThread, 0ms, {&kept[0], &kept[1]});
+    post("with the token", Kernel::mainThread, 0ms, {&kept[0], &token});
+    post("of nobody");
     kernel.withdrawObject(nullptr);
     EXPECT_EQ(kernel.withdrawToken(nullptr), 0U);
-    kernel.withdrawObject(&objects[0]);
+    kernel.withdrawObject(&object);
     EXPECT_EQ(kernel.pending(), 3U);
-    EXPECT_EQ(kernel.withdrawToken(&tokens[1]), 1U);
-    kernel.post(nullptr, {&objects[0], &tokens[1]}, 0ms, "", [&] {
-        post('x', Kernel::mainThread, 0ms, {&objects[0], nullptr});
-        post('y', Kernel::mainThread, 0ms, {nullptr, &tokens[1]});
-        kernel.withdrawObject(&objects[0]);
-        kernel.withdrawTokenAndWait(&tokens[1]);
-        post('z');
+    EXPECT_EQ(kernel.withdrawToken(&token), 1U);
+    kernel.post(nullptr, {&object, &token}, 0ms, "", [&] {
+        post("of the object, posted in its message", Kernel::mainThread, 0ms, {&object, nullptr});
+        post("with the token, posted in its message", Kernel::mainThread, 0ms, {nullptr, &token});
+        kernel.withdrawObject(&object);
+        kernel.withdrawTokenAndWait(&token);
+        post("posted after withdrawing");
     });
     kernel.advance(1s);
-    EXPECT_EQ(order, "cez");
+    EXPECT_EQ(ran, (Names{"of others", "of nobody", "posted after withdrawing"}));
 }
 
 TEST_F(SteppedKernel, WhatAMessageHoldsIsLetGoOfUnlockedAndBeforeTheMessageCountsAsDone) {

@@ -1,7 +1,7 @@
 // The phone's LDAP module over a scripted directory and over the embedded one.
 
-#include "host/EmbeddedLdap.h"
 #include "host/Phone.h"
+#include "host/ldap/EmbeddedLdap.h"
 #include "platform/Ldap.h"
 #include "tests/support/SteppedPhone.h"
 
@@ -18,14 +18,15 @@ using host::Phone;
 
 // Keeps what it is asked, and every way to answer: also those that a well-behaved directory would no longer use.
 struct KeptLdap : host::LdapDirectory {
-    std::string calls;
+    std::string calls; // "a, b, abandon": asked for these keys, then told to give up
     std::vector<Done> done;
 
     void start(host::LdapQuery query, Done answer) override {
-        calls += query.key + std::to_string(query.maxCount) + " ";
+        EXPECT_EQ(query.maxCount, 9);
+        calls += (calls.empty() ? "" : ", ") + query.key;
         done.push_back(std::move(answer));
     }
-    void abandon() override { calls += "abandon "; }
+    void abandon() override { calls += ", abandon"; }
 };
 
 struct Receiver : NS_TA::CTaskActionCallbackBase {
@@ -36,11 +37,11 @@ struct Receiver : NS_TA::CTaskActionCallbackBase {
 
     void OnTaskActionCallback(NS_TA::CTaskAction* pAction) override {
         const auto& answer = dynamic_cast<NS_TA::CLdapAction&>(*pAction);
-        answers += answer.GetKey() + "=" + std::to_string(answer.GetResultCode());
+        answers += answer.GetKey() + (answer.GetResultCode() == 0 ? ":" : " failed:");
         for (const auto& row : answer.GetResultList()) {
-            answers += "," + row.strName + " " + row.strNumber;
+            answers += " " + row.strName + "/" + row.strNumber;
         }
-        answers += ";";
+        answers += "; ";
     }
 };
 
@@ -84,9 +85,9 @@ TEST_F(LdapModule, AnAnswerArrivesOnceOnTheThreadThatWasNamedAndNeverFromWithinA
     run();
     phone.setLdap(nullptr);
     EXPECT_EQ(ask("d"), 0);
-    EXPECT_EQ(answers, "a=0,Ann 1,Ann ;c=1,Cyd 3;");
+    EXPECT_EQ(answers, "a: Ann/1 Ann/; c failed: Cyd/3; ");
     run();
-    EXPECT_EQ(answers, "a=0,Ann 1,Ann ;c=1,Cyd 3;d=1;");
+    EXPECT_EQ(answers, "a: Ann/1 Ann/; c failed: Cyd/3; d failed:; ");
 }
 
 TEST_F(LdapModule, ANewerQueryTakesThePlaceOfTheOlderOneWhereverThatStands) {
@@ -94,14 +95,14 @@ TEST_F(LdapModule, ANewerQueryTakesThePlaceOfTheOlderOneWhereverThatStands) {
     ask("b"); // is answered, not delivered
     answer(1, {{"b", "2"}});
     ask("c");
-    EXPECT_EQ(directory->calls, "a9 abandon b9 c9 ");
+    EXPECT_EQ(directory->calls, "a, abandon, b, c");
     answer(0, {{"late", "1"}});
     answer(1, {}, false);
     run();
     EXPECT_EQ(answers, "");
     answer(2);
     run();
-    EXPECT_EQ(answers, "c=0;");
+    EXPECT_EQ(answers, "c:; ");
 }
 
 TEST_F(LdapModule, NothingReachesACallbackObjectThatIsGone) {
@@ -112,7 +113,7 @@ TEST_F(LdapModule, NothingReachesACallbackObjectThatIsGone) {
     receiver = std::make_unique<Receiver>(answers);
     ask("b");
     receiver.reset(); // with the query running
-    EXPECT_EQ(directory->calls, "a9 b9 abandon ");
+    EXPECT_EQ(directory->calls, "a, b, abandon");
     EXPECT_TRUE(phone.isIdle());
     answer(1);
     run();
@@ -129,15 +130,15 @@ TEST_F(LdapModule, QueriesForDifferentCallbackObjectsTakeTurns) {
     third.reset();
     answer(0);
     run();
-    EXPECT_EQ(directory->calls, "a9 y9 ");
+    EXPECT_EQ(directory->calls, "a, y");
     ask("b");
     ask("z", &other); // behind b now, which does not wait any longer
-    EXPECT_EQ(directory->calls, "a9 y9 abandon b9 ");
+    EXPECT_EQ(directory->calls, "a, y, abandon, b");
     answer(2);
     run();
     answer(3);
     run();
-    EXPECT_EQ(answers, "a=0;b=0;z=0;");
+    EXPECT_EQ(answers, "a:; b:; z:; ");
 }
 
 TEST_F(LdapModule, TheEmbeddedDirectoryAnswersAfterItsDelayWithARowPerNumber) {
@@ -151,7 +152,7 @@ TEST_F(LdapModule, TheEmbeddedDirectoryAnswersAfterItsDelayWithARowPerNumber) {
     run(300ms - 1us);
     EXPECT_EQ(answers, "");
     run(1us);
-    EXPECT_EQ(answers, "=0,Ann 51,Ann 52,Cyd 53;") << "three people, whatever index is looked at";
+    EXPECT_EQ(answers, ": Ann/51 Ann/52 Cyd/53; ") << "three people, whatever index is looked at";
     EXPECT_EQ(asked, std::vector<std::string>{""}) << "when its time has come";
     ask("b");
     phone.setLdap(nullptr); // and the directory goes with its query

@@ -1,7 +1,10 @@
 // The directory over a real LDAP server: what a key finds there, and what becomes of a query when something fails. Real
 // threads and clocks; bounds of time are wide, and nothing sleeps to be right.
-#include "host/LdapFilter.h"
-#include "host/ServerLdap.h"
+#include "host/ldap/server/LdapFilter.h"
+#include "host/ldap/server/LdapPeople.h"
+#include "host/ldap/server/ServerLdap.h"
+#include "host/ldap/server/SignInPause.h"
+#include "host/ldap/server/Waiter.h"
 #include "tests/support/FaultyPeer.h"
 #include "tests/support/SlapdServer.h"
 
@@ -61,6 +64,15 @@ ServerLdapOptions with(ServerLdapOptions options, Value ServerLdapOptions::*memb
                        const std::type_identity_t<Value>& value) {
     options.*member = value;
     return options;
+}
+
+// Many messages that hold an entry without attributes, for the request of this number.
+std::string flood(char request) {
+    std::string bytes;
+    for (int i = 0; i < 1000; ++i) {
+        bytes += "\x30\x09\x02\x01"s + request + "\x64\x04\x04\x00\x30\x00"s;
+    }
+    return bytes;
 }
 
 const SlapdServer& server() {
@@ -150,6 +162,58 @@ TEST(LdapServer, AReachedSizeLimitGivesWhatWasReceivedAndSaysSo) {
     }
 }
 
+TEST(LdapServer, AnEnormousEntryIsTakenUpToTheLimitsAndTheRestIsTold) {
+    using Limits = host::LdapLimits;
+    constexpr std::size_t any = 1'000'000;
+    const struct {
+        std::size_t Limits::*limit;
+        std::size_t value, rows;
+        std::string problem;
+    } cases[] = {
+        {&Limits::nameBytes, 512, 0, "1 people left out whose name is too long (the limit is [ldap] name_limit)"},
+        {&Limits::numberBytes, 6, 0, "3000 numbers left out that are too long (the limit is [ldap] number_limit)"},
+        {&Limits::numbers, 4, 4, "[ldap] numbers_limit"},
+        {&Limits::rows, 5, 5, "[ldap] row_limit"},
+        {&Limits::answerBytes, any, 8, "[ldap] answer_limit_kb"}, // of 120 kB each
+    };
+    for (const auto& [limit, value, rows, problem] : cases) {
+        ServerLdapOptions chosen = anonymousAt(server().url);
+        chosen.limits = {.nameBytes = any, .numbers = any, .rows = any, .answerBytes = 1000 * any};
+        chosen.limits.*limit = value;
+        const LdapAnswer answer = ask(*open(chosen), "crowd");
+        EXPECT_TRUE(answer.succeeded);
+        EXPECT_EQ(answer.rows.size(), rows) << problem;
+        EXPECT_THAT(answer.problem, HasSubstr(problem));
+    }
+    const auto narrow = open(with(anonymousAt(server().url), &ServerLdapOptions::limits, {.entryBytes = 100'000}));
+    EXPECT_THAT(ask(*narrow, "crowd").problem, HasSubstr("[ldap] entry_limit_kb"));
+    EXPECT_EQ(ask(*narrow, "person 00").rows.size(), 100U);
+}
+
+TEST(LdapServer, ManyNumbersTakeTimeInProportionAndAreGivenUpInTheMiddle) {
+    host::LdapPeople::Person person;
+    person.names.emplace_back("Ann");
+    std::list<std::string> numbers;
+    for (int i = 0; i < 200'000; ++i) {
+        person.numbers.push_back(numbers.emplace_back(std::to_string(i)));
+    }
+    const host::LdapLimits limits{.numbers = SIZE_MAX, .rows = SIZE_MAX, .answerBytes = SIZE_MAX};
+    int calls = 0;
+    host::LdapPeople all("", 0, limits, [&] { ++calls; });
+    const Clock::time_point begin = Clock::now();
+    EXPECT_TRUE(all.add(person));
+    EXPECT_LT(Clock::now() - begin, 5s);
+    EXPECT_EQ(all.takeRows().size(), numbers.size());
+
+    host::LdapPeople stopped("", 0, limits, [&, left = calls / 2]() mutable {
+        if (--left == 0) {
+            throw host::Stopped();
+        }
+    });
+    EXPECT_THROW(stopped.add(person), host::Stopped);
+    EXPECT_TRUE(stopped.takeRows().empty());
+}
+
 TEST(LdapServer, FastTypingIsAnsweredForTheLastKeyOnly) {
     FaultyPeer peer(FaultyPeer::Fault::stall, server().port);
     const auto directory = open(anonymousAt("ldap://" + peer.address()));
@@ -214,6 +278,8 @@ TEST(LdapServer, EveryFailureIsAnsweredInTimeSaysWhatToCheckAndDelaysNoDestructi
     FaultyPeer full(FaultyPeer::Fault::full);
     FaultyPeer stalling(FaultyPeer::Fault::stall, server().port, 3000); // in the middle of a message
     FaultyPeer stallingTls(FaultyPeer::Fault::stall, server().tlsPort, 3000);
+    FaultyPeer endless(FaultyPeer::Fault::flood, 0, SIZE_MAX, flood('\x01'));    // entries for the first request
+    FaultyPeer chattering(FaultyPeer::Fault::flood, 0, SIZE_MAX, flood('\x77')); // for one that was never made
     const std::string nobody = "127.0.0.1:" + std::to_string(freePort());
     constexpr auto quick = 200ms; // for servers that do not answer
     const struct {
@@ -225,7 +291,9 @@ TEST(LdapServer, EveryFailureIsAnsweredInTimeSaysWhatToCheckAndDelaysNoDestructi
         {20s, with(signedIn(), &Options::base, "dc=elsewhere"), "check [ldap] base"},
         {20s, anonymousAt("ldap://" + nobody), "check that the server runs"},
         {20s, anonymousAt("ldaps://127.0.0.1:" + std::to_string(server().port)), "no TLS with the server"},
-        {20s, anonymousAt(server().tlsUrl), "ca_file"},
+        {20s, anonymousAt(server().tlsUrl), "certificate is not trusted: no authority that the system trusts"},
+        {20s, with(anonymousAt(server().tlsUrl), &Options::caFile, "/etc/ssl/certs/ca-certificates.crt"),
+         "certificate is not trusted: no authority in [ldap] ca_file"},
         {quick, anonymousAt("ldap://host.invalid"), "resolved"},
         {quick, anonymousAt("ldap://" + silent.address()), "time limit of 200 ms"},
         {quick, anonymousAt("ldap://" + stalling.address()), "time limit of 200 ms"},
@@ -234,6 +302,8 @@ TEST(LdapServer, EveryFailureIsAnsweredInTimeSaysWhatToCheckAndDelaysNoDestructi
         {quick, with(anonymousAt("ldap://" + silent.address()), &Options::startTls, true), "for TLS"},
         {quick, anonymousAt("ldaps://" + silent.address()), "no TLS handshake"},
         {quick, anonymousAt("ldap://" + full.address()), "cannot connect"},
+        {quick, anonymousAt("ldap://" + endless.address()), "time limit of 200 ms"},
+        {quick, with(signedIn(), &Options::url, "ldap://" + chattering.address()), "while signing in"},
     };
     for (const auto& [limit, chosen, problem] : cases) {
         const auto directory = open(with(chosen, &Options::timeLimit, limit));
@@ -254,6 +324,32 @@ TEST(LdapServer, EveryFailureIsAnsweredInTimeSaysWhatToCheckAndDelaysNoDestructi
     }
 }
 
+TEST(LdapServer, ARefusedPasswordIsNotTriedAgainForAWhileThatGrows) {
+    FaultyPeer peer(FaultyPeer::Fault::cut, server().port);
+    auto wrong = with(signedIn(), &ServerLdapOptions::password, "wrong");
+    wrong.url = "ldap://" + peer.address();
+    const auto directory = open(wrong);
+    EXPECT_THAT(ask(*directory, "per").problem, HasSubstr("no sign-in is tried for 1 minutes"));
+    for (const std::string& key : {"pers"s, "perso"s, "person"s}) {
+        EXPECT_THAT(ask(*directory, key).problem, HasSubstr("no sign-in is tried for "));
+    }
+    EXPECT_EQ(peer.connections(), 1);
+
+    host::SignInPause pause;
+    Clock::time_point now = Clock::now();
+    std::vector<int> minutes;
+    for (int refusal = 0; refusal < 5; ++refusal) {
+        EXPECT_EQ(pause.left(now), 0s);
+        const auto given = pause.refused(now);
+        minutes.push_back(static_cast<int>(given.count()));
+        EXPECT_EQ(pause.left(now + given - 1ms), 1s);
+        now += given;
+    }
+    EXPECT_THAT(minutes, ElementsAre(1, 4, 16, 60, 60));
+    pause.accepted();
+    EXPECT_EQ(pause.refused(now), 1min);
+}
+
 TEST(LdapServer, ABrokenConnectionIsMadeAgain) {
     FaultyPeer peer(FaultyPeer::Fault::cut, server().port, 2000); // in the middle of an entry
     const auto directory = open(anonymousAt("ldap://" + peer.address()));
@@ -269,6 +365,35 @@ TEST(LdapServer, ABrokenConnectionIsMadeAgain) {
     peer.cutNow();
     EXPECT_EQ(ask(*directory, "person 00").rows.size(), 100U); // whether the cut comes before the query or within it
     EXPECT_EQ(peer.connections(), 3);
+}
+
+TEST(LdapServer, AnExceptionFailsTheAnswerAndTheWorkerGoesOn) {
+    FaultyPeer peer(FaultyPeer::Fault::cut, server().port);
+    const std::vector<std::function<void()>> exceptions = {
+        [] { throw std::bad_alloc(); }, [] { throw std::runtime_error("an accident"); }, [] { throw 1; }};
+    std::size_t next = 0;
+    const auto directory = host::makeServerLdap(anonymousAt("ldap://" + peer.address()), [&](const std::string& line) {
+        if (line.ends_with("connecting again")) { // in the midst of asking
+            exceptions[next]();
+        }
+    });
+    for (const std::string& words : {"no memory"s, "an accident"s, "no words"s}) {
+        peer.allow(SIZE_MAX);
+        EXPECT_EQ(ask(*directory, "person 00").rows.size(), 100U);
+        peer.allow(1);
+        const LdapAnswer failed = ask(*directory, "person 00");
+        EXPECT_FALSE(failed.succeeded);
+        EXPECT_THAT(failed.problem, HasSubstr(words));
+
+        std::promise<void> entered;
+        directory->start({"", 0}, [&](const LdapAnswer&) {
+            entered.set_value();
+            exceptions[next]();
+        });
+        entered.get_future().wait();
+        directory->abandon();
+        ++next;
+    }
 }
 
 TEST(LdapServer, TlsIsSpokenToAServerWhoseCertificateIsTrusted) {
@@ -299,10 +424,13 @@ TEST(LdapSettings, MistakesAreNamedAndNoServerIsUsed) {
         return host::readServerLdapOptions(file, problems);
     };
     const auto good = read("starttls = on\nverify = off\nscope = one\nbind_dn = cn=me\npassword = p\n"
-                           "name_attributes = displayName , cn\nsize_limit = 0\ntime_limit_ms = 1500\n");
+                           "name_attributes = displayName , cn\nsize_limit = 0\ntime_limit_ms = 1500\n"
+                           "numbers_limit = 3\nanswer_limit_kb = 2\n");
     ASSERT_TRUE(good) << testing::PrintToString(problems);
     EXPECT_TRUE(good->startTls && !good->verify && good->scope == host::LdapScope::one && good->sizeLimit == 0);
     EXPECT_EQ(good->timeLimit, 1500ms);
+    EXPECT_TRUE(good->limits.numbers == 3 && good->limits.answerBytes == 2048);
+    EXPECT_EQ(good->limits.rows, host::LdapLimits().rows);
     EXPECT_THAT(good->nameAttributes, ElementsAre("displayName", "cn"));
 
     const Rows mistakes = {"url = http://h",
@@ -315,6 +443,8 @@ TEST(LdapSettings, MistakesAreNamedAndNoServerIsUsed) {
                            "name_attributes = cn,,sn",
                            "number_attributes = a)(b",
                            "size_limit = -1",
+                           "row_limit = 0",
+                           "entry_limit_kb = 1000000",
                            "time_limit_ms = 0",
                            "network_timeout_ms = 5s",
                            "name_filter = (cn=*)",

@@ -4,7 +4,10 @@
 //
 //     WIDESEEK_RANDOM_START=7 WIDESEEK_RANDOM_STEPS=1000000 build/dev/wideseek_tests --gtest_filter='Random.*'
 
+#include "tests/support/Oracle.h"
 #include "tests/support/Session.h"
+
+#include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <random>
@@ -20,7 +23,7 @@ long fromEnvironment(const char* name, long otherwise) {
 TEST(Random, NarrowingFindsWhatSearchingAfreshFinds) {
     std::mt19937_64 random(1);
     const auto below = [&](int end) { return std::uniform_int_distribution<int>(0, end - 1)(random); };
-    test::SteppedPhone phone({test::allIds[0], test::allIds[2], test::allIds[1]});
+    test::SteppedPhone phone({test::localId, test::remoteId, test::callsId});
     test::Screen screen;
     for (int round = 0; round < 300; ++round) {
         char name = 'A';
@@ -52,9 +55,9 @@ TEST(Random, EverySessionGetsThePagesOfTheOracle) {
     const long last = std::getenv("WIDESEEK_RANDOM_START") ? first : first + 99;
     for (long start = first; start <= last && !HasFailure(); ++start) {
         std::mt19937_64 random(static_cast<unsigned long long>(start));
-        test::Session session([&](int end) { return std::uniform_int_distribution<int>(0, end - 1)(random); });
-        session.run(steps);
-        EXPECT_FALSE(HasFailure()) << "The last steps of the session:" << session.history()
+        const std::string history =
+            test::playSession(steps, [&](int end) { return std::uniform_int_distribution<int>(0, end - 1)(random); });
+        EXPECT_FALSE(HasFailure()) << "The last steps of the session:" << history
                                    << "\nReplay it with WIDESEEK_RANDOM_START=" << start
                                    << " WIDESEEK_RANDOM_STEPS=" << steps
                                    << " build/dev/wideseek_tests --gtest_filter='Random.*'";

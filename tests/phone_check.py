@@ -23,6 +23,11 @@ def screen():
     return tmux("capture-pane", "-p").splitlines()
 
 
+def standing_out():
+    """The bold and underlined texts of the screen, each with the number of its colour."""
+    return re.findall(r"\x1b\[1;4m(?:\x1b\[(3\d)m)?([^\x1b]*)", tmux("capture-pane", "-p", "-e"))
+
+
 def see(pattern, what):
     """Waits until the screen shows pattern; gives the screen."""
     end = time.monotonic() + PATIENCE
@@ -47,6 +52,12 @@ def see_before_ldap(pattern, what, *keys):
         if re.search(pattern, "\n".join(lines)):
             return lines
     finish(f"LDAP always came before {what}")
+
+
+def press_behind_a_paste(key):
+    """A long paste, and a key at once: the paste is much longer than what is worked in the time that a person waits."""
+    (ROOT / "paste").write_text("530" * 40000)
+    tmux("load-buffer", str(ROOT / "paste"), ";", "paste-buffer", ";", "send-keys", key)
 
 
 def children_of(pid):
@@ -74,6 +85,7 @@ write("contacts/call_log.csv", "time,direction,name,number,extra\n2026-01-02T10:
 try:
     tmux("new-session", "-d", "-x", "80", "-y", "24", "env", f"WIDESEEK_ROOT={ROOT}", "LC_ALL=C", "PS1=ready> ", "sh")
     see("^ready>", "the shell")
+    tmux("set", "-s", "set-clipboard", "on")
     press(text="clear; echo state `stty -g | cksum`\n")
     state = next(line for line in see(r"^state \d+", "the terminal's state") if line.startswith("state "))[6:]
 
@@ -108,12 +120,47 @@ try:
     press(ESCAPE, "F2")
     press(text="pläin")
     see("^ Search  75246 .*digits(.|\n)*> Plain +886002", "letters typed as digits")
+    expect(standing_out() == [("35", "Plain")], f"found, as the screen shows it: {standing_out()}")
     press("F2", ESCAPE)
     press(text="渡ä")
     see("^ Search  渡ä .*letters(.|\n)*No contact matches", "letters typed as letters")
 
+    # What is typed is a line to be edited, and any of its characters may come from the numeric keypad, in either mode.
+    press(ESCAPE)
+    press(text="3x")
+    press("Home")
+    press(text="5")
+    press("End", "BSpace")
+    see("^ Search  53 ", "a key typed from both ends")
+    press("C-a", "DC", "C-e", "C-u")
+    press(text="\x1bOu\x1bOs\x1bOp0\x1bOp2\x1bOM")
+    see(r"Would dial 530002 \(Local 02\)(.|\n)*F4 Copy", "a number typed and dialled on the numeric keypad")
+    press("F4")
+    see("Handed 530002 to", "the number copied")
+    expect(tmux("show-buffer") == "530002", f"the clipboard holds {tmux('show-buffer')!r}")
+
+    # A paste is text, whatever is in it.
+    tmux("set-buffer", "\tLocal 03\n", ";", "paste-buffer", "-p")
+    see("^ Search  530002 Local 03 (.|\n)*No contact matches", "a paste behind the key, which dials nobody")
+    press("C-a", "C-Right", "C-k")  # the second one is no key here
+    see("^ Search  +letters", "the key erased behind the caret")
+    tmux("set-buffer", "local 0\x1b[21~\n3", ";", "paste-buffer", "-p")
+    see("^ Search  local 0 3 ", "a paste with a key in it, which leaves nothing")
+
+    # A click chooses a row, a second one dials; the wheel moves on. Columns and lines are sent as characters (X11).
+    press(ESCAPE, "5", "3", "0", "0")
+    see("> Local 00", "rows to point at")
+    click = "\x1b[M {0}{1}\x1b[M#{0}{1}".format
+    press(text=click("#", chr(33 + 5)))
+    see("> Local 02", "the row clicked at")
+    press(text="\x1b[Ma##")
+    see("> Local 05", "the row three further, by the wheel")
+    press(text=2 * click("#", chr(33 + 4)))
+    see(r"Would dial 530001 \(Local 01\)", "the row that was clicked at twice")
+    press(ESCAPE)
+
     # Other screens come and go; the cursor is where it was, though LDAP has answered meanwhile.
-    before = cursor_row(see_before_ldap(r"64-80 of 80 .*LDAP …", "the last page", "5", "3", "0", "End"))
+    before = cursor_row(see_before_ldap(r"64-80 of 80 .*LDAP …", "the last page", "5", "3", "0", "C-End"))
     press("F3")
     see(r"Number +530239(.|\n)*LDAP: (still being asked|7 found)", "the details")
     time.sleep(LDAP_DELAY / 1000 + 0.2)
@@ -139,7 +186,7 @@ try:
     see("^> 渡辺(.|\n)*1-3 of 3 ", "the rows after it was small")
 
     # However it ends, the terminal is as it was.
-    for how, code in (lambda: press("F10"), 0), (lambda: press("C-c"), 0), (
+    for how, code in (lambda: press_behind_a_paste("F10"), 0), (lambda: press_behind_a_paste("C-c"), 0), (
             lambda: os.kill(int(children_of(tmux("display", "-p", "#{pane_pid}").strip())), signal.SIGTERM), 143):
         how()
         lines = see(r"^left:\d+ ", "the shell again")
@@ -148,10 +195,24 @@ try:
         see("> Remote 13|> Kim", "the phone again")
     press("F10")
     see(r"^left:0", "the shell again")
+    # Terminals that are known, and some that are known by what they are named after; each has its own idea of F1.
+    for terminal, help_key in (("linux", "\x1b[[A"), ("vt100", "\x1bOP"), ("xterm-ghostty", "\x1b[11~"),
+                               ("tmux-x NO_COLOR=1", "\x1bOP")):
+        start("phone", terminal=f"TERM={terminal}")
+        see("> Remote 13|> Local|> Kim", f"the phone on {terminal}")
+        press(text=help_key)
+        see("Backspace +erases", f"the help on {terminal}")
+        press(ESCAPE)
+        press(text="\x1bOu")
+        see(r"^ Search  5 (.|\n)*1-\d+ of 8", f"a digit of the numeric keypad on {terminal}")
+        if "NO_COLOR" in terminal:
+            expect({colour for colour, _ in standing_out()} == {""}, f"colours on {terminal}: {standing_out()}")
+        press("F10")
+        see(r"^left:0", f"the shell after {terminal}")
     start("phone", terminal="TERM=dumb")
     see('"dumb".*shows no full screen; set TERM(.|\n)*left:1', "what to do about a dumb terminal")
     start("phone", terminal="TERM=no-such-type")
-    see('"no-such-type".*is not known here; set TERM(.|\n)*left:1', "what to do about an unknown terminal")
+    see('"no-such-type".*is not known here(.|\n)*set TERM(.|\n)*left:1', "what to do about an unknown terminal")
     nowhere = run("phone", stdin=subprocess.DEVNULL)
     expect(nowhere.returncode == 1 and b"needs a terminal" in nowhere.stderr, f"without a terminal: {nowhere}")
 finally:

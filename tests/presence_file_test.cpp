@@ -1,13 +1,16 @@
 // Buddies from a file, and the files that a phone opens by itself.
 
 #include "host/Phone.h"
-#include "host/PresenceFile.h"
+#include "host/contacts/PresenceFile.h"
+#include "host/files/SettingsCheck.h"
 #include "platform/Directory.h"
 #include "platform/Ldap.h"
 #include "tests/support/SteppedPhone.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -52,11 +55,13 @@ TEST_F(PresenceFile, ABuddyMatchesByItsNameAndFirstThreeNumbers) {
     PresenceInfo info;
     info.iContactId = 4;
     ASSERT_NE(file.GetContactDetail(info, PRESENCE_TYPE_BUDDY, 0), 0);
-    std::string detail = info.strName + info.strInfo1 + info.strInfo2 + std::to_string(info.iInfo);
-    for (const Attribute& attribute : info.listAttr) {
-        detail += " " + attribute.strAttrName + std::to_string(attribute.iType) + attribute.strValue;
+    EXPECT_EQ(std::tie(info.strName, info.strInfo1, info.strInfo2), std::tuple("Zoë Ångström", "i1", "i2"));
+    EXPECT_EQ(info.iInfo, 6);
+    std::string attributes;
+    for (const Attribute& each : info.listAttr) {
+        attributes += each.strAttrName + (each.iType == ATTRIBUTE_TYPE_PHONE ? " phone " : " ") + each.strValue + "; ";
     }
-    EXPECT_EQ(detail, "Zoë Ångströmi1i26 mail177@example.com a2+493012 b2 c233 d244");
+    EXPECT_EQ(attributes, "mail 77@example.com; a phone +493012; b phone ; c phone 33; d phone 44; ");
     info.iContactId = 3;
     EXPECT_EQ(file.GetContactDetail(info, PRESENCE_TYPE_BUDDY, 0), 0);
     EXPECT_TRUE(problems.empty());
@@ -85,8 +90,10 @@ TEST_F(PresenceFile, WhatIsWrongIsReportedOnceAndTheRestIsKept) {
 
 TEST(PhoneFiles, ThePhoneTakesBuddiesRecentCallsAndTheKindOfLdapFromItsFiles) {
     const std::string server = "mode = server\nurl = ldap://localhost\nbase = dc=x\nscope = some";
-    for (const std::string& ldap : {std::string("mode = embedded\ndelay_ms = 40"), std::string("mode = no"), server}) {
-        const bool usable = ldap.find("embedded") != std::string::npos;
+    const std::string misspelt = "mode = embedded\nstart_tls = on";
+    for (const std::string& ldap : {std::string("mode = embedded\ndelay_ms = 40"), std::string("mode = no"), server,
+                                    misspelt, std::string("[LDAP]\nmode = server")}) {
+        const bool usable = ldap.ends_with("40");
         SCOPED_TRACE(ldap);
         const test::TempRoot root;
         root.write("config/contacts/call_log.csv", "time,direction,name,number\n2026-01-02T03:04:05,out,Ann,52\n");
@@ -102,6 +109,15 @@ TEST(PhoneFiles, ThePhoneTakesBuddiesRecentCallsAndTheKindOfLdapFromItsFiles) {
         EXPECT_EQ(phone.kernel().nextDue(), usable ? 40ms : 0ms) << "a failure arrives at once";
         EXPECT_EQ(phone.problems().empty(), usable);
     }
+    const std::string ini = "; [x]\n[LDAP]\nurl = x\n[ldap]\nverfy = off\n  more = x\nxyz = 1\n[features]\nMode=1\n";
+    const auto check =
+        host::checkSettings(ini, "f", {{"features", {"FeaturesRecentCallEnable"}}, {"ldap", {"mode", "verify"}}});
+    EXPECT_THAT(check.problems,
+                testing::ElementsAre("f:2: [LDAP] is no known section; did you mean [ldap]?",
+                                     "f:5: verfy is no setting of [ldap]; did you mean verify?",
+                                     "f:7: xyz is no setting of [ldap]; known are mode, verify",
+                                     "f:9: Mode is no setting of [features]; known are FeaturesRecentCallEnable"));
+    EXPECT_THAT(check.doubtful, testing::ElementsAre("features", "ldap"));
 }
 
 } // namespace

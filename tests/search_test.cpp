@@ -14,10 +14,6 @@ namespace {
 
 using namespace test;
 
-constexpr const char* localId = "local_directory_search";
-constexpr const char* ldapId = "ldap_search";
-constexpr const char* remoteId = "remote_directory_search";
-
 // "Ann 51; 5 0+10 of 2"
 std::string textOf(const WideseekListData& page) {
     return rowsOf(page) + "; " + page.strKey + " " + std::to_string(page.iFromIndex) + "+" +
@@ -75,12 +71,11 @@ TEST(Action, GivesThePageLastCutWhole) {
     ASSERT_NE(action, nullptr);
     EXPECT_EQ(textOf(action->GetResultData()), ";  0+0 of 0");
     Screen screen;
-    {
-        const NS_WS::CWideseekAction::CHandOver handOver(*action, &screen);
-        action->SetFromIndex(1);
-        action->SetSearchCount(1);
-        action->SetKey("5");
-    }
+    NS_WS::CWideseekRequest request(&screen);
+    request.SetFromIndex(1);
+    request.SetSearchCount(1);
+    request.SetKey("5");
+    action->HandOver(request);
     EXPECT_EQ(action->GetResultData().iFromIndex, 0) << "a position without its key is shown to nobody";
     action->Exec();
     EXPECT_EQ(textOf(action->GetResultData()), "B 52; 5 1+1 of 2");
@@ -93,16 +88,16 @@ TEST(Action, LeavesNoOtherKeysRowsWhenARequestIsTakenBack) {
     LdapPhone phone;
     NS_WS::CWideseekAction* action = Wideseek_CreateSearchAction();
     const auto request = [&](const std::string& key) {
-        const NS_WS::CWideseekAction::CHandOver handOver(*action, &phone.screen);
-        action->SetSearchCount(10);
-        action->SetKey(key);
-        return handOver.GetSerial();
+        NS_WS::CWideseekRequest asked(&phone.screen);
+        asked.SetSearchCount(10);
+        asked.SetKey(key);
+        return action->HandOver(std::move(asked));
     };
     request("5");
     action->Exec();
     phone.answerLdap({});
-    phone.phone.setInterruption([&](std::string_view function) {
-        if (function == "Ldap_SearchAsync") {
+    phone.phone.setInterruption([&](host::PlatformCall call) {
+        if (call == host::PlatformCall{host::PlatformFunction::searchLdap}) {
             action->TakeBack(request("9"));
         }
     });
@@ -193,7 +188,7 @@ public:
 };
 
 TEST(Presence, GivesARowForEachOfTheFirstThreeNumbers) {
-    SteppedPhone phone({localId, "BroadSoft_UC_search"});
+    SteppedPhone phone({localId, buddiesId});
     phone.local->contacts = {{"Known", {"51"}}};
     Buddies buddies;
     buddies.add(2, "Gap", {"", "55", "56", "57"});

@@ -6,7 +6,7 @@
 // many behind it as its count. So a row of another search, or a key beside another request's position, convicts itself.
 
 #include "app/Gui/Logic/Wideseek/WideseekAction.h"
-#include "host/EmbeddedLdap.h"
+#include "host/ldap/EmbeddedLdap.h"
 #include "platform/CommonAPI.h"
 #include "tests/support/SteppedPhone.h"
 
@@ -15,19 +15,18 @@
 #include <atomic>
 #include <climits>
 #include <cstdlib>
+#include <fstream>
 #include <optional>
 #include <random>
 #include <set>
 #include <thread>
 
+#include <unistd.h>
+
 namespace {
 
 using namespace test;
 using Clock = std::chrono::steady_clock;
-
-constexpr const char* localId = "local_directory_search";
-constexpr const char* remoteId = "remote_directory_search";
-constexpr const char* ldapId = "ldap_search";
 
 // Offers four contacts for any key.
 class KeyedSource : public host::ContactSource {
@@ -129,7 +128,7 @@ struct LivePhone {
 
     void changeSourceList(const std::string& xml) {
         root.write("config/data/wideseek.xml", xml);
-        phone->announceConfigChange(52);
+        phone->announceConfigChange(ETL_MsgQueueHelper::CFG_CHANGE_WIDESEEK);
     }
 
     // Threads that need not wait for each other would only fill the queues.
@@ -180,12 +179,11 @@ void readPages(LivePhone& live, Typist& typist) {
     NS_WS::CWideseekAction* action = Wideseek_CreateSearchAction();
     for (int i = 0; i < 200; ++i) {
         typist.next();
-        {
-            const NS_WS::CWideseekAction::CHandOver handOver(*action, &screen);
-            action->SetFromIndex(typist.from);
-            action->SetSearchCount(typist.count);
-            action->SetKey(typist.typed);
-        }
+        NS_WS::CWideseekRequest request(&screen);
+        request.SetFromIndex(typist.from);
+        request.SetSearchCount(typist.count);
+        request.SetKey(typist.typed);
+        action->HandOver(std::move(request));
         TaskAction_ExecAction(action);
         const WideseekListData page = action->GetResultData();
         EXPECT_TRUE(page.listItem.empty() || judge(page).empty()) << judge(page); // one being made has no rows yet
@@ -296,18 +294,74 @@ TEST(Threads, ASearchThatBeginsWhileTheSourceListIsReadIsNoResultOfTheNewList) {
     phone.setSourceList(sourceListOf({remoteId}));
     Screen screen;
     bool typed = false;
-    phone.phone.setInterruption([&](std::string_view function) {
-        if (function == "app_log" && !typed) { // the reload begins
+    phone.phone.setInterruption([&](host::PlatformCall call) {
+        if (call.function == host::PlatformFunction::log && !typed) { // the reload begins
             typed = true;
             phone.type("5", screen);
         }
     });
-    ETL_MsgQueueHelper::msgObject msg{0x10007, 52};
+    ETL_MsgQueueHelper::msgObject msg{ETL_MsgQueueHelper::MSG_CONFIG_CHANGED, ETL_MsgQueueHelper::CFG_CHANGE_WIDESEEK};
     EXPECT_NE(NS_WS::CWideseekController::OnMessage(msg), 0);
     phone.phone.setInterruption(nullptr);
     EXPECT_EQ(phone.local->asked.size(), 1U);
     phone.type("51", screen);
     EXPECT_EQ(phone.remote->asked, std::vector<std::string>{"51"});
+}
+
+// Waits until this thread of the process sleeps and goes on doing so.
+void waitUntilAsleep(const std::atomic<pid_t>& thread) {
+    for (int asleep = 0; asleep < 100; std::this_thread::yield()) {
+        std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/stat");
+        std::string text;
+        std::getline(file, text);
+        const std::size_t name = text.rfind(')');
+        asleep = name != std::string::npos && text.compare(name, 3, ") S") == 0 ? asleep + 1 : 0;
+    }
+}
+
+TEST(Threads, AnExpiryThatWaitsWhileANewerSearchArmsTheTimerDoesNothing) {
+    SteppedPhone phone({localId, ldapId});
+    Screen screen;
+    NS_WS::CWideseekAction* action = Wideseek_CreateSearchAction();
+    const auto type = [&](const std::string& key) {
+        NS_WS::CWideseekRequest request(&screen);
+        request.SetKey(key);
+        action->HandOver(std::move(request));
+        action->Exec();
+    };
+    type("5"); // arms the timer, since LDAP is asked
+    std::atomic<pid_t> waiting{0};
+    std::thread expiry;
+    phone.local->meanwhile = [&] {
+        expiry = std::thread([&] {
+            ETL_MsgQueueHelper::msgObject message{ETL_MsgQueueHelper::MSG_THREAD_TIMER};
+            waiting = gettid();
+            action->OnMessage(message);
+        });
+        waitUntilAsleep(waiting);
+    };
+    type("6");
+    expiry.join();
+    phone.run();
+    EXPECT_EQ(screen.count(), 0U) << "a page before LDAP has had its time";
+    phone.run(100ms);
+    EXPECT_EQ(screen.count(), 1U);
+    Wideseek_DestroySearchAction(action);
+}
+
+TEST(Threads, ThePhoneMayCallTheSearchWhileItRegistersTheHandler) {
+    SteppedPhone phone({localId});
+    NS_WS::CWideseekController::ReleaseInstance();
+    bool registered = false;
+    phone.phone.setInterruption([&](host::PlatformCall call) {
+        if (call.function == host::PlatformFunction::registerHandler) {
+            registered = true;
+            std::thread(Wideseek_ResetKey).join(); // for ever, if a lock of the search were held
+        }
+    });
+    Wideseek_PreInit();
+    phone.phone.setInterruption(nullptr);
+    EXPECT_TRUE(registered);
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 // The phone's string helpers: conversion of keys, matching, keypad forms and page bounds.
 #include "host/text/Fold.h"
+#include "host/text/MatchedPart.h"
+#include "host/text/Utf8.h"
 #include "platform/CommonAPI.h"
 
 #include <gtest/gtest.h>
@@ -17,8 +19,8 @@ std::string convert(const std::string& typed) {
     return CommonAPI_StringConvert(typed, STRING_CONVERT_SEARCH_KEY);
 }
 
-bool contains(const std::string& text, const std::string& key, bool wholeWord = false) {
-    return CommonAPI_StringMatch(text, key, wholeWord, STRING_MATCH_CONTAINS) != 0;
+bool contains(const std::string& text, const std::string& key) {
+    return CommonAPI_StringMatch(text, key, false, STRING_MATCH_CONTAINS) != 0;
 }
 
 // Whether a contact that is nothing but this name matches a converted key, as narrowing asks it.
@@ -39,6 +41,33 @@ std::string randomText(std::mt19937& random, bool valid) {
         text += pieces[random() % usable];
     }
     return text;
+}
+
+TEST(Utf8, IsTheSameCharactersFromBothEndsAndABrokenByteIsOneOfItsOwn) {
+    std::mt19937 random(5);
+    for (int i = 0; i < 2'000; ++i) {
+        const std::string text = randomText(random, true);
+        std::string forwards;
+        std::string backwards;
+        for (std::string_view rest = text; !rest.empty();) {
+            const char first = rest.front();
+            const std::size_t size = host::text::takeFirst(rest).size;
+            EXPECT_EQ(size, host::text::sizeFrom(first));
+            forwards += std::to_string(size);
+        }
+        for (std::string_view rest = text; !rest.empty();) {
+            const std::size_t size = host::text::lastCharacter(rest).size;
+            rest.remove_suffix(size);
+            backwards.insert(0, std::to_string(size));
+        }
+        EXPECT_EQ(forwards, backwards) << text;
+    }
+    for (const std::string_view broken : {"\x80", "\xC3", "\xE3\x80", "\xC1\x81", "\xED\xA0\x80", "\xF5\x80\x80\x80"}) {
+        const auto first = host::text::firstCharacter(broken);
+        const auto last = host::text::lastCharacter(broken);
+        EXPECT_TRUE(first.codePoint == -1 && first.size == 1 && last.codePoint == -1 && last.size == 1) << broken;
+    }
+    EXPECT_EQ(host::text::firstCharacter("").size + host::text::lastCharacter("").size, 0U);
 }
 
 TEST(KeyConversion, FoldsCaseAndWidthTrimsBlanksAndKeepsOnlyTheDigitsOfPlainNumbers) {
@@ -74,22 +103,21 @@ TEST(KeypadForm, HasADigitForEachLetterAndLeavesOutWhatHasNoKey) {
 TEST(Matching, IgnoresCaseAccentsAndWidthWhereverTheKeyStands) {
     const struct {
         std::string text, key;
-        bool anywhere, asWord;
+        bool found;
     } cases[] = {
-        {"Ann", "", true, true},
-        {"Hanna Berg", "ann", true, false},
-        {"Bergmann Hanna-BERG", "berg", true, true},
-        {"eleven char@k", "ar`k", false, false},
-        {"Ｊosé García", "jose g", true, false},
-        {"Jose Garcia", "garcía", true, true},
-        {"Straße", "strass", true, false},
-        {"é Søren", "soren", true, true},
-        {"éann", "ann", true, false},
-        {"李小龙", "小", true, false},
+        {"Ann", "", true},
+        {"Hanna Berg", "ann", true},
+        {"Bergmann Hanna-BERG", "berg", true},
+        {"eleven char@k", "ar`k", false},
+        {"Ｊosé García", "jose g", true},
+        {"Jose Garcia", "garcía", true},
+        {"Straße", "strass", true},
+        {"é Søren", "soren", true},
+        {"éann", "ann", true},
+        {"李小龙", "小", true},
     };
-    for (const auto& [text, key, anywhere, asWord] : cases) {
-        EXPECT_EQ(contains(text, key), anywhere) << text << " / " << key;
-        EXPECT_EQ(contains(text, key, true), asWord) << text << " / " << key;
+    for (const auto& [text, key, found] : cases) {
+        EXPECT_EQ(contains(text, key), found) << text << " / " << key;
     }
 }
 
@@ -145,22 +173,57 @@ TEST(Matching, OfALongerKeyImpliesThatOfItsBeginning) {
     EXPECT_GT(narrowed, 1'000) << "too few keys that turn from digits into text";
 }
 
-TEST(PageBounds, NeverPassTheLargestIndexAndRefuseNegativeNumbers) {
-    constexpr int most = std::numeric_limits<int>::max();
-    constexpr int refused = -7; // and left as they were
-    const struct {
-        int from, count, max, first, end;
-    } cases[] = {
-        {20, 10, 90, 20, 30},          {5, 0, 90, 5, 90},
-        {89, 10, 90, 89, 90},          {most, most, 90, 90, 90},
-        {1, most, most, 1, most},      {-1, 10, 90, refused, refused},
-        {0, -1, 90, refused, refused}, {0, 1, -1, refused, refused},
+// What a name is found for stands out, and nothing does that no key has found: here it stands in brackets.
+TEST(Matching, NamesThePartThatWasFound) {
+    const auto marked = [](std::string text, const std::optional<host::text::Part>& part) {
+        return part ? text.insert(part->begin + part->size, "]").insert(part->begin, "[") : text;
     };
-    for (const auto& c : cases) {
-        int first = refused;
-        int end = refused;
-        EXPECT_EQ(CommonAPI_GetFromAndToIndex(&first, &end, c.from, c.count, c.max) != 0, c.first != refused);
-        EXPECT_EQ(std::pair(first, end), std::pair(c.first, c.end)) << c.from << ", " << c.count;
+    for (const auto& [key, name] : Pairs{
+             {"5336", "[Jed M]arlowe"},
+             {"marl", "Jed [Marl]owe"},
+             {"3556", "Garð[éłłó]"},
+             {"jose", "Dr. [Jose\u0301]"},
+             {"jos", "[Jos]e\u0301"},
+             {"ss m", "Vo[ß M]itte"},
+             {"s", "Gro[ß]e"},
+             {"龙", "李小[龙]"},
+             {"266627", "[Ann-Mar]ie"},
+             {"x", "Ann"},
+             {"", "Ann"},
+         }) {
+        std::string plain = name;
+        std::erase_if(plain, [](char byte) { return byte == '[' || byte == ']'; });
+        EXPECT_EQ(marked(plain, host::text::matchedInName(plain, key)), name) << key;
+    }
+    EXPECT_EQ(marked("+442079", host::text::matchedInNumber("+442079", "4207")), "+4[4207]9");
+    EXPECT_EQ(marked("5a", host::text::matchedInNumber("5a", "a")), "5a");
+
+    // It agrees with what is found.
+    std::mt19937 random(7);
+    for (int i = 0; i < 50'000; ++i) {
+        const std::string name = randomText(random, false) + randomText(random, false);
+        const std::string key = convert(randomText(random, false));
+        const bool folds = !host::text::folded(key).empty();
+        ASSERT_EQ(host::text::matchedInName(name, key).has_value(), folds && nameMatches(name, key))
+            << testing::PrintToString(name) << testing::PrintToString(key);
+    }
+}
+
+TEST(PageBounds, NeverPassTheLargestIndexAndStayAsTheyAreForNegativeNumbers) {
+    constexpr int most = std::numeric_limits<int>::max();
+    using Bounds = std::pair<int, int>;
+    const auto bounds = [](int from, int count, int max) {
+        Bounds is(-7, -7);
+        const bool given = CommonAPI_GetFromAndToIndex(&is.first, &is.second, from, count, max) != 0;
+        EXPECT_EQ(given, is != Bounds(-7, -7));
+        return is;
+    };
+    EXPECT_EQ(bounds(20, 10, 90), Bounds(20, 30));
+    EXPECT_EQ(bounds(5, 0, 90), Bounds(5, 90));
+    EXPECT_EQ(bounds(most, most, 90), Bounds(90, 90));
+    EXPECT_EQ(bounds(1, most, most), Bounds(1, most));
+    for (const auto& refused : {bounds(-1, 10, 90), bounds(0, -1, 90), bounds(0, 1, -1)}) {
+        EXPECT_EQ(refused, Bounds(-7, -7));
     }
 }
 

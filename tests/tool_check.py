@@ -1,6 +1,6 @@
 #!/usr/bin/env -S python3 -B
 """Runs the tool as a person or a script does, on a small phone of its own: what it prints, says and ends with."""
-import json, signal, socket, subprocess, time, unicodedata
+import json, os, signal, socket, subprocess, time, unicodedata
 
 from checking import ROOT, TOOL, column_of, expect, finish, list_sources, run, write
 
@@ -86,7 +86,7 @@ for arguments, code, words in [
 gone = type_keys("5", root=ROOT / "no")
 expect(gone.returncode == 1 and b"no: no such folder; give a phone's root with --root" in gone.stderr, f"{gone}")
 bare = type_keys("5", root=ROOT / "config")
-expect(bare.returncode == 0 and "wideseek.xml" in bare.stderr.decode(), f"a root without a source list: {bare}")
+expect(bare.returncode == 0 and "wideseek.xml: error: not there" in bare.stderr.decode(), f"a root without a source list: {bare}")
 with open("/dev/full", "w") as full:
     lost = type_keys("5", capture_output=False, stdout=full, stderr=subprocess.DEVNULL)
     expect(lost.returncode == 1, "a full disk goes unnoticed")
@@ -104,14 +104,32 @@ write("data/phone.ini", f"[ldap]\nmode=embedded\ndelay_ms={LDAP_DELAY}\n")
 
 # While it runs: another source list is read, Ctrl-C ends it.
 with subprocess.Popen([TOOL, "type", "--root", ROOT, "--json", "--pause", "1500", "5309", "5309", "5309"], text=True,
-                      stdout=subprocess.PIPE, stderr=subprocess.DEVNULL) as running:
+                      stdout=subprocess.PIPE, stderr=subprocess.PIPE) as running:
     before = [json.loads(running.stdout.readline())["total"] for _ in range(2)]
-    list_sources("calllog_search")
+    list_sources("calllog_search", "nobody_search")
     after = json.loads(running.stdout.readline())["total"]
     running.send_signal(signal.SIGINT)
     start = time.monotonic()
     expect((before, after) == ([0, 1], 0), f"changed source list: {before} rows before, {after} after")
     expect(running.wait(10) == 130 and time.monotonic() - start < 5, "Ctrl-C does not end it at once")
+    expect('warning: the phone has no source "nobody_search"' in running.stderr.read(), "the changed list's mistake")
+
+# A signal ends it at once even where it cannot look for one, here while nobody reads what it prints.
+with subprocess.Popen([TOOL, "type", "--root", ROOT, "--count", "0", *["5", "53"] * 2000], stdout=subprocess.PIPE,
+                      stderr=subprocess.DEVNULL) as stuck:
+    time.sleep(0.5)  # until the pipe is full; the signal would end it sooner otherwise
+    stuck.send_signal(signal.SIGTERM)
+    expect(stuck.wait(10) == 143, f"SIGTERM does not end a tool that waits for its reader: {stuck.returncode}")
+
+# What is no file is not waited for, and what finds nothing anywhere fails.
+list_sources("remote_directory_search")
+alone = type_keys("5")
+expect(alone.returncode == 1 and b"every source that was asked failed" in alone.stderr, f"all sources failed: {alone}")
+(ROOT / "config/data/wideseek.xml").unlink()
+os.mkfifo(ROOT / "config/data/wideseek.xml")
+start = time.monotonic()
+piped = type_keys("5").stderr
+expect(b"error: is not a file; put a regular file there" in piped and time.monotonic() - start < 10, f"a pipe: {piped}")
 
 start = time.monotonic()
 demo = run("demo")

@@ -1,7 +1,7 @@
 #include "bench/search/SourceWorkloads.h"
 
 #include "bench/People.h"
-#include "host/ContactMatch.h"
+#include "host/contacts/ContactMatch.h"
 
 #include <cstring>
 #include <utility>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "bench/search/Workload.h"
-#include "host/ContactIndex.h"
+#include "host/contacts/ContactIndex.h"
 
 #include <string>
 

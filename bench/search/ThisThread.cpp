@@ -3,7 +3,7 @@
 #include "app/Gui/Logic/Wideseek/WideseekController.h"
 #include "app/Gui/Logic/Wideseek/modWideseek.h"
 #include "bench/People.h"
-#include "host/FileDirectory.h"
+#include "host/contacts/FileDirectory.h"
 
 #include <chrono>
 #include <filesystem>
@@ -110,12 +110,11 @@ SearchOnThisThread::~SearchOnThisThread() {
 }
 
 void SearchOnThisThread::search(const std::string& key, int from) {
-    {
-        const NS_WS::CWideseekAction::CHandOver handOver(*m_action, &m_screen);
-        m_action->SetFromIndex(from);
-        m_action->SetSearchCount(10);
-        m_action->SetKey(key);
-    }
+    NS_WS::CWideseekRequest request(&m_screen);
+    request.SetFromIndex(from);
+    request.SetSearchCount(10);
+    request.SetKey(key);
+    m_action->HandOver(std::move(request));
     m_action->Exec();
     m_phone.kernel().advance({});
 }

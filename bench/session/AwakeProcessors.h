@@ -5,7 +5,7 @@
 // can be longer than all that a key has to do, and differs from run to run. What is measured here is software.
 #pragma once
 
-#include "host/Waiter.h"
+#include "host/ldap/server/Waiter.h"
 
 #include <string>
 

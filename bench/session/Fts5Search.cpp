@@ -2,6 +2,7 @@
 
 #include "host/text/Fold.h"
 #include "host/text/Key.h"
+#include "host/text/Utf8.h"
 
 #include <sqlite3.h>
 
@@ -30,7 +31,7 @@ std::string column(sqlite3_stmt* statement, int index) {
 bool hasTrigram(std::string_view text) {
     std::size_t characters = 0;
     while (!text.empty() && characters < trigram) {
-        text.remove_prefix(host::text::firstCharacter(text).size);
+        host::text::takeFirst(text);
         ++characters;
     }
     return characters == trigram;

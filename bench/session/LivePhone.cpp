@@ -3,7 +3,7 @@
 #include "app/Gui/Logic/Wideseek/WideseekCBData.h"
 #include "app/Gui/Logic/Wideseek/WideseekController.h"
 #include "app/Gui/Logic/Wideseek/modWideseek.h"
-#include "host/FileDirectory.h"
+#include "host/contacts/FileDirectory.h"
 
 #include <optional>
 #include <stdexcept>

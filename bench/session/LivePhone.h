@@ -6,8 +6,8 @@
 
 #include "bench/session/KeySearch.h"
 #include "bench/session/Population.h"
-#include "host/ContactSource.h"
 #include "host/Phone.h"
+#include "host/sources/ContactSource.h"
 #include "platform/TaskAction.h"
 
 #include <functional>

@@ -1,6 +1,6 @@
 #include "bench/session/ScanFloor.h"
 
-#include "host/ContactMatch.h"
+#include "host/contacts/ContactMatch.h"
 #include "host/text/Key.h"
 
 #include <cstring>

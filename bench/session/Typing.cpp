@@ -1,6 +1,6 @@
 #include "bench/session/Typing.h"
 
-#include "host/text/Fold.h"
+#include "host/text/Utf8.h"
 #include "platform/CommonAPI.h"
 
 #include <random>

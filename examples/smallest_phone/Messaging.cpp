@@ -77,14 +77,6 @@ int chMsgProcesser::TryThreadMessage(msgObject&) {
     return 0;
 }
 
-void chMsgProcesser::SetProcessThread(void* pThread) {
-    m_pState = pThread;
-}
-
-void* chMsgProcesser::GetProcessThread() const {
-    return m_pState;
-}
-
 void chMsgProcesser::WithdrawMessages() {
     withdraw(this);
 }
@@ -115,7 +107,7 @@ bool chThreadTimer::SetTimer(long long llPeriod, void* pUserData, chMsgProcesser
     m_pState = pProcesser;
     post(Clock::now() + std::chrono::milliseconds(llPeriod), this, [this, llPeriod, pUserData, pProcesser, pHandler] {
         SetTimer(llPeriod, pUserData, pProcesser, pHandler);
-        msgObject msg{0x8113, 0};
+        msgObject msg{MSG_THREAD_TIMER, 0};
         if (pProcesser->TryThreadMessage(msg) == 0) {
             (pProcesser->*pHandler)(msg);
         }
@@ -171,7 +163,7 @@ bool CTaskAction::Exec() {
 }
 
 CLdapAction::CLdapAction() {
-    SetTypeId(3);
+    SetTypeId(TASK_TYPE_LDAP);
 }
 
 CLdapAction::~CLdapAction() = default;
@@ -182,8 +174,8 @@ CTaskActionCallbackBase::~CTaskActionCallbackBase() = default;
 void CTaskActionCallbackBase::OnTaskActionCallback(CTaskAction*) {
 }
 
-void CTaskActionCallbackBase::SetCallBackThread(void* pThread) {
-    SetProcessThread(pThread);
+void CTaskActionCallbackBase::SetCallBackThread(void*) {
+    // There is one thread.
 }
 
 void CTaskActionCallbackBase::SendMessageToCallingThread(CTaskAction* pAction) {

@@ -3,8 +3,7 @@
 #include "host/text/Find.h"
 #include "host/text/Fold.h"
 #include "host/text/PlainKey.h"
-
-#include <utf8proc.h>
+#include "host/text/Utf8.h"
 
 #include <algorithm>
 #include <string>
@@ -12,15 +11,6 @@
 namespace host::text {
 
 namespace {
-
-bool isLetterOrDigit(Character character) {
-    if (character.codePoint < 0) {
-        return false;
-    }
-    const auto category = utf8proc_category(character.codePoint);
-    return category >= UTF8PROC_CATEGORY_LU && category <= UTF8PROC_CATEGORY_NO &&
-           (category <= UTF8PROC_CATEGORY_LO || category >= UTF8PROC_CATEGORY_ND);
-}
 
 // Any key, and any field, which is folded.
 class FoldedKey {
@@ -30,7 +20,6 @@ public:
     std::string_view folded() const { return m_folded; }
 
     bool isIn(std::string_view text) { return findBytes(fold(text), m_folded, 0) != std::string::npos; }
-    bool isWordIn(std::string_view text);
 
 private:
     std::string_view fold(std::string_view text);
@@ -46,18 +35,6 @@ void FoldedKey::set(std::string_view key) {
     m_folded.swap(folded);
 }
 
-bool FoldedKey::isWordIn(std::string_view text) {
-    const std::string_view all = fold(text);
-    for (std::size_t at = findBytes(all, m_folded, 0); at != std::string_view::npos;
-         at = findBytes(all, m_folded, at + 1)) {
-        if (!isLetterOrDigit(lastCharacter(all.substr(0, at))) &&
-            !isLetterOrDigit(firstCharacter(all.substr(at + m_folded.size())))) {
-            return true;
-        }
-    }
-    return false;
-}
-
 std::string_view FoldedKey::fold(std::string_view text) {
     m_buffer.clear();
     appendFolded(text, m_buffer);
@@ -66,31 +43,28 @@ std::string_view FoldedKey::fold(std::string_view text) {
 
 constinit thread_local PlainKey plainKey;
 
-[[gnu::noinline]] bool isInFolded(std::string_view text, std::string_view key, bool asWord) {
+[[gnu::noinline]] bool isInFolded(std::string_view text, std::string_view key) {
     thread_local FoldedKey foldedKey;
     if (!foldedKey.isFor(key)) {
         foldedKey.set(key);
         plainKey.set(key, foldedKey.folded());
     }
-    if (foldedKey.folded().empty()) {
-        return true;
-    }
-    return asWord ? foldedKey.isWordIn(text) : foldedKey.isIn(text);
+    return foldedKey.folded().empty() || foldedKey.isIn(text);
 }
 
 // A hit counts whatever else the text holds, as folding leaves what is ASCII side by side; without one, what is not
 // ASCII may still fold to the key.
 [[gnu::noinline]] bool isInFrom(std::size_t from, std::string_view text) {
     return plainKey.isFrom(from, text) ||
-           (!std::all_of(text.begin(), text.end(), isAscii) && isInFolded(text, plainKey.key(), false));
+           (!std::all_of(text.begin(), text.end(), isAscii) && isInFolded(text, plainKey.key()));
 }
 
 } // namespace
 
-bool isIn(std::string_view text, std::string_view key, bool asWord) {
+bool isIn(std::string_view text, std::string_view key) {
     const PlainKey& ready = plainKey;
-    if (asWord || !ready.isFor(key)) [[unlikely]] {
-        return isInFolded(text, key, asWord);
+    if (!ready.isFor(key)) [[unlikely]] {
+        return isInFolded(text, key);
     }
     if (text.size() < wordSize) {
         return ready.candidates(loadFew(text.data(), text.size())) != 0 && isInFrom(0, text);

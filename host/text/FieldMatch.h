@@ -9,8 +9,7 @@
 
 namespace host::text {
 
-// Whether the folded key occurs in the folded text (Fold.h), asWord with neither letter nor digit beside it. An empty
-// key occurs in everything.
-bool isIn(std::string_view text, std::string_view key, bool asWord = false);
+// Whether the folded key occurs in the folded text (Fold.h). An empty key occurs in everything.
+bool isIn(std::string_view text, std::string_view key);
 
 } // namespace host::text

@@ -1,7 +1,10 @@
 #include "host/text/Fold.h"
 
+#include "host/text/Utf8.h"
+
 #include <utf8proc.h>
 
+#include <algorithm>
 #include <array>
 
 namespace host::text {
@@ -86,11 +89,7 @@ private:
 };
 
 std::size_t asciiLength(std::string_view text) {
-    std::size_t length = 0;
-    while (length < text.size() && static_cast<unsigned char>(text[length]) < 0x80) {
-        ++length;
-    }
-    return length;
+    return static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), isAscii) - text.begin());
 }
 
 void appendLower(std::string_view ascii, std::string& out) {
@@ -103,37 +102,6 @@ void appendLower(std::string_view ascii, std::string& out) {
 }
 
 } // namespace
-
-Character firstCharacter(std::string_view text) {
-    if (text.empty()) {
-        return {};
-    }
-    const int first = static_cast<unsigned char>(text.front());
-    if (first < 0x80) {
-        return {first, 1};
-    }
-    const int second = text.size() > 1 ? static_cast<unsigned char>(text[1]) : 0;
-    if (first >= 0xC2 && first < 0xE0 && (second & 0xC0) == 0x80) {
-        return {(first & 0x1F) << 6 | (second & 0x3F), 2}; // as nearly all that European names have beyond ASCII
-    }
-    utf8proc_int32_t codePoint = -1;
-    const auto atMost = static_cast<utf8proc_ssize_t>(text.size() < 4 ? text.size() : 4);
-    const auto size = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(text.data()), atMost, &codePoint);
-    if (size <= 0) {
-        return {-1, 1};
-    }
-    return {codePoint, static_cast<std::size_t>(size)};
-}
-
-Character lastCharacter(std::string_view text) {
-    for (std::size_t size = 1; size <= 4 && size <= text.size(); ++size) {
-        const Character character = firstCharacter(text.substr(text.size() - size));
-        if (character.codePoint >= 0 && character.size == size) {
-            return character;
-        }
-    }
-    return {-1, text.empty() ? 0U : 1U};
-}
 
 bool isBlank(std::int32_t codePoint) {
     if (codePoint < 0x80) {

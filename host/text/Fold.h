@@ -10,18 +10,6 @@
 
 namespace host::text {
 
-inline bool isAscii(char byte) {
-    return static_cast<unsigned char>(byte) < 0x80;
-}
-
-// The character at the front or at the end of text, and how many bytes it takes.
-struct Character {
-    std::int32_t codePoint = -1; // -1: the byte there is not UTF-8
-    std::size_t size = 0;        // 0 when there is no text, 1 for a byte that is not UTF-8
-};
-Character firstCharacter(std::string_view text);
-Character lastCharacter(std::string_view text);
-
 // Unicode's White_Space (UAX #44); false for -1.
 bool isBlank(std::int32_t codePoint);
 

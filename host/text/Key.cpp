@@ -1,6 +1,7 @@
 #include "host/text/Key.h"
 
 #include "host/text/Fold.h"
+#include "host/text/Utf8.h"
 
 #include <utf8proc.h>
 
@@ -63,16 +64,16 @@ struct NumberParts {
 std::optional<NumberParts> numberParts(std::string_view text, std::string_view furtherSeparators) {
     NumberParts parts;
     while (!text.empty()) {
-        const Character character = firstCharacter(text);
-        if (isKeypadByte(text.front())) {
-            parts.digits += text.front();
+        const char first = text.front();
+        const Character character = takeFirst(text);
+        if (isKeypadByte(first)) {
+            parts.digits += first;
         } else if (character.codePoint == '+' && parts.digits.empty() && !parts.international) {
             parts.international = true;
         } else if (character.codePoint < 0 || !(isBlank(character.codePoint) || isSeparator(character.codePoint) ||
-                                                furtherSeparators.find(text.front()) != std::string_view::npos)) {
+                                                furtherSeparators.find(first) != std::string_view::npos)) {
             return std::nullopt;
         }
-        text.remove_prefix(character.size);
     }
     return parts;
 }

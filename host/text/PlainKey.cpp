@@ -1,6 +1,6 @@
 #include "host/text/PlainKey.h"
 
-#include "host/text/Fold.h"
+#include "host/text/Utf8.h"
 
 #include <algorithm>
 

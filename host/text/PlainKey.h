@@ -64,7 +64,7 @@ private:
     Word m_keyEnd = 0;     // its last eight bytes, when it has as many
     Word m_start = 0;      // the same of m_folded
     Word m_startMask = 0;  // which of those there are
-    Word m_startCase = 0;  // the bits that a letter's case makes of no account
+    Word m_startCase = 0;  // the bits in which the cases of a letter differ
     Word m_beforeLast = 0; // its last two bytes with anyCase, each eight times; a single byte is both
     Word m_last = 0;
     unsigned m_toLast = 0; // how many bits lie between the two

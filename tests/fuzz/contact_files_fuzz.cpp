@@ -1,9 +1,9 @@
 // Any bytes as a contact file (first byte c), call log (l) or buddy file (p): what a key finds, the empty key finds
 // too.
 
-#include "host/CallLogFile.h"
-#include "host/FileDirectory.h"
-#include "host/PresenceFile.h"
+#include "host/contacts/CallLogFile.h"
+#include "host/contacts/FileDirectory.h"
+#include "host/contacts/PresenceFile.h"
 #include "platform/CommonAPI.h"
 #include "tests/fuzz/Fuzz.h"
 

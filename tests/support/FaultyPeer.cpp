@@ -8,8 +8,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <chrono>
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -50,8 +52,9 @@ bool answersAt(int port) {
     return onLoopback(::connect, Socket{newSocket()}.fd, port);
 }
 
-FaultyPeer::FaultyPeer(Fault fault, int target, std::size_t allowed)
-    : m_fault(fault), m_target(target), m_listener{newSocket()}, m_port(bindFree(m_listener.fd)), m_allowed(allowed) {
+FaultyPeer::FaultyPeer(Fault fault, int target, std::size_t allowed, std::string flood)
+    : m_fault(fault), m_target(target), m_flood(std::move(flood)), m_listener{newSocket()},
+      m_port(bindFree(m_listener.fd)), m_allowed(allowed) {
     ::listen(m_listener.fd, fault == Fault::full ? 0 : 16);
     for (int i = 0; i < 4 && fault == Fault::full; ++i) {
         const int client = m_links.emplace_back().client.fd = newSocket(SOCK_NONBLOCK);
@@ -68,7 +71,11 @@ void FaultyPeer::serve(const std::stop_token& stop) {
         for (const Link& link : m_links) {
             const bool stalled = m_fault == Fault::stall && link.sent >= m_allowed;
             watched.push_back({link.client.fd, POLLIN, 0});
-            watched.push_back({stalled ? -1 : link.server.fd, POLLIN, 0});
+            if (m_fault == Fault::flood) {
+                watched.push_back({link.heard ? link.client.fd : -1, POLLOUT, 0});
+            } else {
+                watched.push_back({stalled ? -1 : link.server.fd, POLLIN, 0});
+            }
         }
         ::poll(watched.data(), watched.size(), 10);
         const bool cut = m_cutNow.exchange(false);
@@ -76,12 +83,13 @@ void FaultyPeer::serve(const std::stop_token& stop) {
         m_links.remove_if([&](Link& link) {
             const bool fromClient = (events++)->revents != 0;
             const bool fromServer = (events++)->revents != 0;
-            return cut || (fromClient && !pass(link, false)) || (fromServer && !pass(link, true));
+            return cut || (fromClient && !pass(link, false)) ||
+                   (fromServer && !(m_fault == Fault::flood ? pour(link) : pass(link, true)));
         });
         if (watched[0].revents != 0) {
             Link& link = m_links.emplace_back();
             link.client.fd = ::accept4(m_listener.fd, nullptr, nullptr, SOCK_CLOEXEC);
-            if (m_fault != Fault::silent) {
+            if (m_target != 0) {
                 onLoopback(::connect, link.server.fd = newSocket(), m_target);
             }
             ++m_connections;
@@ -109,9 +117,18 @@ bool FaultyPeer::pass(Link& link, bool fromServer) {
         const std::lock_guard lock(m_mutex);
         m_received += bytes;
         m_changed.notify_all();
+        link.heard = true;
     }
     const int to = fromServer ? link.client.fd : link.server.fd;
     return to < 0 || ::send(to, bytes.data(), bytes.size(), MSG_NOSIGNAL) == got;
+}
+
+// False: the link is over.
+bool FaultyPeer::pour(Link& link) const {
+    const std::string_view rest = std::string_view(m_flood).substr(link.sent % m_flood.size());
+    const ssize_t poured = ::send(link.client.fd, rest.data(), rest.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+    link.sent += poured > 0 ? static_cast<std::size_t>(poured) : 0;
+    return poured > 0 || errno == EAGAIN;
 }
 
 bool FaultyPeer::waitFor(std::string_view bytes) {

@@ -28,10 +28,12 @@ public:
         full,   // its queue is full: connections are neither accepted nor refused
         cut,    // passes everything on to another server and back, and cuts a connection that exceeds what is allowed
         stall,  // the same, but lets nothing more through from the other server, and leaves the connection open
+        flood,  // once it has heard something, sends the same bytes over and over
     };
 
-    // target: the port of the other server. allowed: how many bytes it may send through a connection.
-    explicit FaultyPeer(Fault fault, int target = 0, std::size_t allowed = SIZE_MAX);
+    // target: the port of the other server. allowed: how many bytes it may send through a connection. flood: the bytes
+    // of a flood.
+    explicit FaultyPeer(Fault fault, int target = 0, std::size_t allowed = SIZE_MAX, std::string flood = {});
 
     std::string address() const { return "127.0.0.1:" + std::to_string(m_port); }
 
@@ -51,13 +53,16 @@ private:
     struct Link {
         Socket client, server;
         std::size_t sent = 0;
+        bool heard = false;
     };
 
     void serve(const std::stop_token& stop);
     bool pass(Link& link, bool fromServer);
+    bool pour(Link& link) const;
 
     const Fault m_fault;
     const int m_target;
+    const std::string m_flood;
     const Socket m_listener;
     const int m_port;
     std::list<Link> m_links; // the thread's, and of a full peer those that fill its queue

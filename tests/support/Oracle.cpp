@@ -104,10 +104,8 @@ void Oracle::reload() {
 
 void Oracle::detach(int screen) {
     start();
-    m.late = m.late == screen || m.receiver == screen ? nobody : m.late;
-    m.receiver = m.receiver == screen ? nobody : m.receiver;
-    if (m.next && m.next->screen == screen) {
-        m.next->screen = gone;
+    for (int* kept : {&m.late, &m.receiver, m.next ? &m.next->screen : &m.receiver}) {
+        *kept = *kept == screen ? nobody : *kept;
     }
 }
 
@@ -126,8 +124,7 @@ void Oracle::work() {
     if (m.next) {
         m.work = *std::exchange(m.next, std::nullopt);
         m.key = converted(m.work.key);
-        m.receiver = std::max(m.work.screen, nobody);
-        m.late = m.work.screen == gone ? nobody : m.late;
+        m.receiver = m.work.screen;
     }
     const std::string key = m.key;
     try {
@@ -155,7 +152,7 @@ void Oracle::expire() {
 }
 
 void Oracle::answer(const std::string& key, const std::vector<Contact>& rows, bool succeeded) {
-    Bucket* bucket = find("ldap_search");
+    Bucket* bucket = find(ldapId);
     if (!bucket) {
         return;
     }
@@ -198,7 +195,7 @@ void Oracle::askAll(const std::string& key) {
     }
     for (const std::string& id : list) {
         const auto source = sources.find(id);
-        if (id == "ldap_search") {
+        if (id == ldapId) {
             askLdap(key);
         } else if (source != sources.end()) {
             const auto& [name, scripted] = source->second;
@@ -218,7 +215,7 @@ void Oracle::askAll(const std::string& key) {
 }
 
 void Oracle::askLdap(const std::string& key) {
-    if (Bucket* bucket = find("ldap_search")) {
+    if (Bucket* bucket = find(ldapId)) {
         bucket->rows.clear();
         bucket->state = State::searching;
         ask("LDAP", key);
@@ -228,7 +225,7 @@ void Oracle::askLdap(const std::string& key) {
 void Oracle::narrow(const std::string& key) {
     askLdap(key);
     if (!mayCut()) {
-        m.heldKey.clear();
+        m.heldKey = find(ldapId) ? "" : m.heldKey;
         return;
     }
     for (Bucket& bucket : m.buckets) {

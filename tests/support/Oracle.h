@@ -3,8 +3,8 @@
 // and number that is there already is dropped, keys are matched letter by letter, pages are sliced out.
 //
 //     Oracle oracle;
-//     oracle.sources["local_directory_search"] = {"local directory", phone.local};
-//     oracle.file = {"local_directory_search"};
+//     oracle.sources[localId] = {"local directory", phone.local};
+//     oracle.file = {localId};
 //     oracle.handOver({"5", 0, 10, 1});  // what a caller does
 //     oracle.work();                     // a request's message ran
 //     oracle.sent.front();               // what must arrive first: {1, "5 0+10 of 1: Ann 51,"}
@@ -27,7 +27,6 @@ namespace test {
 class Oracle {
 public:
     static constexpr int nobody = -1;
-    static constexpr int gone = -2; // detached since
 
     struct Request {
         std::string key; // as typed

@@ -53,6 +53,12 @@ void writePeople(std::ofstream file) {
         const std::string digits = std::to_string(10'000 + i).substr(1);
         add("Person " + digits + "\ntelephoneNumber: 71-" + digits);
     }
+    // One entry of about 170 kB.
+    std::string crowd = "Crowd " + std::string(120'000, 'x');
+    for (int i = 0; i < 3'000; ++i) {
+        crowd += "\ntelephoneNumber: 60" + std::to_string(10'000 + i);
+    }
+    add(crowd);
 }
 
 } // namespace

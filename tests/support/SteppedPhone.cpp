@@ -5,30 +5,19 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <atomic>
 #include <fstream>
-
-#include <unistd.h>
 
 namespace test {
 
 TempRoot::TempRoot() {
-    static std::atomic<int> next{0};
-    m_path = std::filesystem::path(testing::TempDir()) /
-             ("wideseek-" + std::to_string(getpid()) + "-" + std::to_string(next++));
-    std::filesystem::create_directories(m_path / "config/data");
-    std::filesystem::create_directories(m_path / "config/contacts");
-}
-
-TempRoot::~TempRoot() {
-    std::error_code ignored;
-    std::filesystem::remove_all(m_path, ignored);
+    std::filesystem::create_directories(path() / "config/data");
+    std::filesystem::create_directories(path() / "config/contacts");
 }
 
 void TempRoot::write(const std::string& file, const std::string& text) const {
-    // A new file: file systems take milliseconds to make sure of one that is written over.
-    std::filesystem::remove(m_path / file);
-    std::ofstream(m_path / file, std::ios::binary) << text;
+    // A new file: file systems take milliseconds to secure one that is written over.
+    std::filesystem::remove(path() / file);
+    std::ofstream(path() / file, std::ios::binary) << text;
 }
 
 bool ScriptedSource::search(const std::string& key, OxList<DirectorySearchData>& hits, std::string& error) {
@@ -74,10 +63,14 @@ void ScriptedLdap::abandon() {
 }
 
 bool ScriptedLdap::answer(const std::vector<Contact>& contacts, bool succeeded) {
+    return answer(ldapAnswerOf(contacts, succeeded));
+}
+
+bool ScriptedLdap::answer(host::LdapAnswer answer) {
     if (!m_done) {
         return false;
     }
-    std::exchange(m_done, nullptr)(ldapAnswerOf(contacts, succeeded));
+    std::exchange(m_done, nullptr)(std::move(answer));
     return true;
 }
 

@@ -1,7 +1,7 @@
 // A phone in virtual time with scripted sources, and a screen that keeps the pages it gets: what the tests of the
 // search stand on. Nothing here waits, and nothing knows the search from inside.
 //
-//     SteppedPhone phone({"local_directory_search", "ldap_search"});
+//     SteppedPhone phone({localId, ldapId});
 //     phone.local->contacts = {{"Ann", {"5311"}}};
 //     Screen screen;
 //     phone.type("5", screen);            // hands over and runs what is due
@@ -12,6 +12,7 @@
 #include "app/Gui/Logic/Wideseek/WideseekController.h"
 #include "app/Gui/Logic/Wideseek/modWideseek.h"
 #include "host/Phone.h"
+#include "host/files/TemporaryFolder.h"
 
 #include <chrono>
 #include <filesystem>
@@ -25,19 +26,24 @@ namespace test {
 
 using namespace std::chrono_literals;
 
-// A folder of its own for each test, gone afterwards.
+inline constexpr const char* localId = "local_directory_search";
+inline constexpr const char* callsId = "calllog_search";
+inline constexpr const char* remoteId = "remote_directory_search";
+inline constexpr const char* ldapId = "ldap_search";
+inline constexpr const char* enterpriseId = "BroadSoft_directory_search";
+inline constexpr const char* networkId = "Network_directory_search";
+inline constexpr const char* buddiesId = "BroadSoft_UC_search";
+
+// A phone's root of its own for each test, with empty folders in it.
 class TempRoot {
 public:
     TempRoot();
-    ~TempRoot();
-    TempRoot(const TempRoot&) = delete;
-    TempRoot& operator=(const TempRoot&) = delete;
 
-    const std::filesystem::path& path() const { return m_path; }
+    const std::filesystem::path& path() const { return m_folder.path(); }
     void write(const std::string& file, const std::string& text) const;
 
 private:
-    std::filesystem::path m_path;
+    host::TemporaryFolder m_folder;
 };
 
 struct Contact {
@@ -76,6 +82,7 @@ public:
 
     // Answers the running query. False when none runs.
     bool answer(const std::vector<Contact>& contacts, bool succeeded = true);
+    bool answer(host::LdapAnswer answer);
     bool isAsking() const { return m_done != nullptr; }
 
 private:

@@ -1,10 +1,10 @@
 #include "tools/wideseek/CommandLine.h"
 
-#include "tools/wideseek/CheckCommand.h"
-#include "tools/wideseek/DemoCommand.h"
 #include "tools/wideseek/ExitCode.h"
-#include "tools/wideseek/PhoneCommand.h"
-#include "tools/wideseek/TypeCommand.h"
+#include "tools/wideseek/check/CheckCommand.h"
+#include "tools/wideseek/phone/PhoneCommand.h"
+#include "tools/wideseek/type/DemoCommand.h"
+#include "tools/wideseek/type/TypeCommand.h"
 
 #include <CLI/CLI.hpp>
 

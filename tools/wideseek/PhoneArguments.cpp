@@ -4,7 +4,6 @@
 #include "tools/wideseek/Text.h"
 
 #include <filesystem>
-#include <iostream>
 #include <stdexcept>
 
 namespace wideseek {
@@ -38,10 +37,6 @@ host::PhoneOptions phoneOptionsOf(const PhoneArguments& arguments) {
     const std::string shown = printable(options.root.string());
     if (!isFolder(options.root)) {
         throw std::runtime_error(shown + ": no such folder; give a phone's root with --root");
-    }
-    std::error_code error;
-    if (!std::filesystem::exists(sourceListOf(options.root), error)) {
-        std::cerr << "wideseek: " << shown << " has no " << sourceList << ", so no source will be asked\n";
     }
     if (arguments.ldapDelay) {
         options.ldapDelay = std::chrono::milliseconds(*arguments.ldapDelay);

@@ -9,7 +9,7 @@
 
 namespace wideseek {
 
-// What the command line makes of a flag that stands without a value.
+// The value that the command line gives to a flag without one.
 inline constexpr const char* bareFlag = "true";
 
 struct PhoneArguments {
@@ -25,7 +25,7 @@ std::filesystem::path phoneRootOf(const std::string& root);
 std::filesystem::path sourceListOf(const std::filesystem::path& root);
 
 // The phone that arguments ask for, in the live driver. Throws std::runtime_error for a root that is no folder and for
-// a log file that cannot be written; a root without a source list is warned of on the standard error output.
+// a log file that cannot be written.
 host::PhoneOptions phoneOptionsOf(const PhoneArguments& arguments);
 
 } // namespace wideseek

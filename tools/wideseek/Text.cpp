@@ -1,9 +1,12 @@
 #include "tools/wideseek/Text.h"
 
+#include "host/text/Utf8.h"
+
 #include <utf8proc.h>
 
 #include <algorithm>
 #include <array>
+#include <cstdio>
 #include <utility>
 
 namespace wideseek {
@@ -17,21 +20,7 @@ constexpr std::size_t widestColumn = 40;
 
 constexpr std::string_view gap = "  ";
 
-struct Character {
-    utf8proc_int32_t code = -1; // negative: not UTF-8
-    std::size_t length = 1;
-};
-
-Character firstOf(std::string_view text) {
-    std::array<utf8proc_uint8_t, 4> bytes{};
-    const std::size_t count = std::min(bytes.size(), text.size());
-    std::copy_n(text.begin(), count, bytes.begin());
-    utf8proc_int32_t code = -1;
-    const utf8proc_ssize_t length = utf8proc_iterate(bytes.data(), static_cast<utf8proc_ssize_t>(count), &code);
-    return length > 0 ? Character{code, static_cast<std::size_t>(length)} : Character{};
-}
-
-bool isHarmless(utf8proc_int32_t code) {
+bool isHarmless(std::int32_t code) {
     if (code < 0 || (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069)) {
         return false;
     }
@@ -48,9 +37,9 @@ void pad(std::ostream& out, std::size_t width) {
 std::string printable(std::string_view text) {
     std::string result;
     while (!text.empty()) {
-        const Character character = firstOf(text);
-        result += isHarmless(character.code) ? text.substr(0, character.length) : replacement;
-        text.remove_prefix(character.length);
+        const host::text::Character character = host::text::firstCharacter(text);
+        result += isHarmless(character.codePoint) ? text.substr(0, character.size) : replacement;
+        text.remove_prefix(character.size);
     }
     return result;
 }
@@ -58,11 +47,15 @@ std::string printable(std::string_view text) {
 std::size_t displayWidth(std::string_view text) {
     std::size_t width = 0;
     while (!text.empty()) {
-        const Character character = firstOf(text);
-        width += static_cast<std::size_t>(std::max(0, utf8proc_charwidth(character.code)));
-        text.remove_prefix(character.length);
+        width += static_cast<std::size_t>(std::max(0, utf8proc_charwidth(host::text::takeFirst(text).codePoint)));
     }
     return width;
+}
+
+std::string withOneDecimal(double number) {
+    std::array<char, 512> text{}; // enough for any double
+    std::snprintf(text.data(), text.size(), "%.1f", number);
+    return text.data();
 }
 
 Table::Table(std::vector<Align> columns) : m_columns(std::move(columns)) {

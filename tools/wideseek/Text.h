@@ -16,6 +16,9 @@ std::string printable(std::string_view text);
 // The columns that a printable text takes in a terminal: 2 for a wide character, 0 for one that combines.
 std::size_t displayWidth(std::string_view text);
 
+// "12.3"
+std::string withOneDecimal(double number);
+
 // Rows of cells in columns that are as wide as their widest cell.
 class Table {
 public:

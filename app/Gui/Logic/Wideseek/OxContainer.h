@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <utility>
 
 // A doubly linked list between two sentinel nodes. Elements run from m_pHead->pNext up to, not including, m_pTail.
@@ -16,7 +17,10 @@ public:
         T value{};
     };
 
-    OxList() : m_pHead(new _inner_node), m_pTail(new _inner_node), m_uCount(0) {
+    OxList() : m_pHead(nullptr), m_pTail(nullptr), m_uCount(0) {
+        auto pHead = std::make_unique<_inner_node>();
+        m_pTail = new _inner_node;
+        m_pHead = pHead.release();
         m_pHead->pNext = m_pTail;
         m_pTail->pPrev = m_pHead;
     }
@@ -87,12 +91,13 @@ public:
     OxVector(const OxVector&) = delete;
     OxVector& operator=(const OxVector&) = delete;
 
-    // Appends pItem, which may be null and belongs to the vector from now on.
+    // Appends pItem, which may be null and belongs to the vector from now on, whether or not there is memory for it.
     void PushBack(T* pItem) {
+        std::unique_ptr<T> pOwned(pItem);
         if (m_iCount >= m_iCapacity) {
             MyGrow();
         }
-        m_ppItem[m_iCount] = pItem;
+        m_ppItem[m_iCount] = pOwned.release();
         ++m_iCount;
     }
 

@@ -1,15 +1,23 @@
 #include "app/Gui/Logic/Wideseek/WideseekAction.h"
 
+#include "app/Gui/Logic/Wideseek/WideseekCfgData.h"
 #include "app/Gui/Logic/Wideseek/WideseekInternal.h"
+#include "app/Gui/Logic/Wideseek/WideseekRows.h"
 #include "platform/CommonAPI.h"
 
 namespace NS_WS {
 
+namespace {
+
+constexpr int CHECK_PERIOD_MS = 100;
+
+} // namespace
+
 CWideseekAction::CWideseekAction()
-    : m_pResultList(nullptr), m_iSearchMode(0), m_bTimerWaiting(false), m_timerCheck(0), m_pLastCallback(nullptr) {
+    : m_iSearchMode(0), m_bTimerWaiting(false), m_timerCheck(0), m_pLastCallback(nullptr), m_walk(m_mapFilter),
+      m_uSerialNext(0), m_uSerial(0), m_uResets(0), m_uFilledAt(0), m_uArmings(0), m_bStopped(false) {
     SetTypeId(TYPE_ID);
-    SetCallBackThread(ETL_MsgQueueHelper::uCSystemShareHelpergetGlobalObject()->m_processLocal.GetLocalThreadByName(
-        "ThreadLocalContactSearch"));
+    SetCallBackThread(FindSearchThread());
     MyInit();
 }
 
@@ -19,120 +27,24 @@ CWideseekAction::~CWideseekAction() {
 }
 
 bool CWideseekAction::MyInit() {
-    if (m_pResultList == nullptr) {
-        m_pResultList = WS_NEW("app/Gui/Logic/Wideseek/WideseekAction") WideseekListData;
+    m_page.Init();
+    try {
+        MyRefreshResult();
+    } catch (...) {
+        // The first full search makes its buckets itself.
+        MyClearResult();
     }
-    MyRefreshResult();
     return true;
 }
 
 bool CWideseekAction::MyFinal() {
-    TrackedDelete(m_pResultList);
-    m_pResultList = nullptr;
+    m_page.Final();
     const CLock lock(m_csWork);
     MyClearResult();
     return true;
 }
 
-// ---- handing over ----
-
-CWideseekAction::CHandOver::CHandOver(CWideseekAction& action, NS_TA::CTaskActionCallbackBase* pCallback)
-    : m_action(action) {
-    m_action.m_csRequest.Lock();
-    m_action.m_bFlag = false;
-    m_action.m_bRead = true;
-    m_action.m_requestNext.pCallback = pCallback;
-    m_action.m_requestNext.bDropped = false;
-    ++m_action.m_requestNext.uSerial;
-}
-
-CWideseekAction::CHandOver::~CHandOver() {
-    m_action.m_csRequest.Unlock();
-}
-
-unsigned long long CWideseekAction::CHandOver::GetSerial() const {
-    const CLock lock(m_action.m_csRequest);
-    return m_action.m_requestNext.uSerial;
-}
-
-void CWideseekAction::SetKey(const std::string& strKey) {
-    const CLock lock(m_csRequest);
-    if (strKey != m_requestNext.strRawKey) {
-        m_requestNext.strRawKey = strKey;
-    }
-    std::string strConverted = CommonAPI_StringConvert(strKey, STRING_CONVERT_SEARCH_KEY);
-    if (strConverted != m_requestNext.strKey) {
-        m_requestNext.strKey.swap(strConverted);
-    }
-}
-
-void CWideseekAction::SetFromIndex(int iFromIndex) {
-    const CLock lock(m_csRequest);
-    if (m_pResultList != nullptr) {
-        m_requestNext.iFromIndex = iFromIndex;
-    }
-}
-
-void CWideseekAction::SetSearchCount(int iSearchCount) {
-    const CLock lock(m_csRequest);
-    if (m_pResultList != nullptr) {
-        m_requestNext.iSearchCount = iSearchCount;
-    }
-}
-
-int CWideseekAction::GetFromIndex() const {
-    return m_pResultList != nullptr ? m_iFromIndex : 0;
-}
-
-int CWideseekAction::GetSearchCount() const {
-    return m_pResultList != nullptr ? m_iSearchCount : 0;
-}
-
-void CWideseekAction::TakeBack(unsigned long long uSerial) {
-    const CLock lock(m_csRequest);
-    if (m_requestNext.uSerial == uSerial) {
-        m_requestNext.pCallback = nullptr;
-        m_requestNext.bDropped = true;
-    }
-}
-
-void CWideseekAction::ResetKey() {
-    const CLock lock(m_csRequest);
-    m_strLastKey.clear();
-    ++m_uResets;
-}
-
-void CWideseekAction::Detach(const NS_TA::CTaskActionCallbackBase* pCallback) {
-    const CLock lock(m_csRequest);
-    // A request that has lost its object has nobody for a late answer's page either: the object of the request before
-    // it never asked for that page.
-    if (m_pCallback == pCallback) {
-        m_pCallback = nullptr;
-        m_pLastCallback = nullptr;
-    }
-    if (m_pLastCallback == pCallback) {
-        m_pLastCallback = nullptr;
-    }
-    if (m_requestNext.pCallback == pCallback) {
-        m_requestNext.pCallback = nullptr;
-        m_requestNext.bDropped = true;
-    }
-}
-
-void CWideseekAction::Stop() {
-    const CLock lock(m_csRequest);
-    m_bStopped = true;
-    m_pCallback = nullptr;
-    m_pLastCallback = nullptr;
-    m_requestNext.pCallback = nullptr;
-}
-
-WideseekListData CWideseekAction::GetResultData() const {
-    const CLock lock(m_csPage);
-    return m_pResultList != nullptr ? *m_pResultList : WideseekListData();
-}
-
-// ---- working ----
+// ---- a request ----
 
 bool CWideseekAction::Exec() {
     const CLock lock(m_csWork);
@@ -140,7 +52,20 @@ bool CWideseekAction::Exec() {
     if (!MyTakeRequest(bRead)) {
         return true;
     }
-    return bRead ? Read() : Write();
+    try {
+        return bRead ? Read() : Write();
+    } catch (...) {
+        MyGiveUp();
+        return false;
+    }
+}
+
+void CWideseekAction::MyGiveUp() noexcept {
+    MyKillTimer();
+    MyClearResult();
+    ResetKey();
+    m_page.Begin();
+    SetResultCode(RESULT_CODE_MISSING);
 }
 
 bool CWideseekAction::Read() {
@@ -152,7 +77,8 @@ bool CWideseekAction::Write() {
 }
 
 bool CWideseekAction::ReadByKey(std::string strKey, std::string strRawKey) {
-    MyEmptyPage();
+    m_page.Init();
+    m_page.Begin();
     if (strKey.empty()) {
         return ReadEmptyByKey();
     }
@@ -160,27 +86,17 @@ bool CWideseekAction::ReadByKey(std::string strKey, std::string strRawKey) {
 }
 
 bool CWideseekAction::ReadNonEmptyByKey(std::string strKey, std::string strRawKey) {
-    std::string strLastKey;
-    {
-        const CLock lock(m_csRequest);
-        if (m_pCallback != nullptr) {
-            m_pLastCallback = m_pCallback;
-        }
-        strLastKey = m_strLastKey;
-    }
+    MyKeepCallback();
+    const std::string strLastKey = MySearchedKey();
     if (strKey == strLastKey) {
         return MyCopyResult(strKey, strRawKey);
     }
-    m_iSearchMode = CommonAPI_IsSearchByT9(strKey) ? SEARCH_MODE_T9 : SEARCH_MODE_TEXT;
+    m_iSearchMode = SearchModeOf(strKey);
     if (MyIsSearchFromLast(strKey, strLastKey)) {
         MyReSearchLdap(strKey, strRawKey);
         return MySearchFromResult(strKey, strRawKey);
     }
-    {
-        const CLock lock(m_csRequest);
-        m_uFilledAt = m_uResets;
-        m_strLastKey = strKey;
-    }
+    MyBeginSearched(strKey);
     return MyReSearch(strKey, strRawKey);
 }
 
@@ -188,54 +104,161 @@ bool CWideseekAction::MyIsSearchFromLast(std::string strKey, std::string strLast
     return !strLastKey.empty() && strKey.compare(0, strLastKey.size(), strLastKey) == 0;
 }
 
-bool CWideseekAction::MyTakeRequest(bool& bRead) {
-    const CLock lock(m_csRequest);
-    bRead = m_bRead;
-    if (m_requestNext.uSerial == m_uSerial) {
-        return m_pCallback != nullptr;
+bool CWideseekAction::MyReSearch(std::string strKey, std::string strRawKey) {
+    // One list for the buckets and for the questions: a bucket that a reload in between leaves unasked would never
+    // finish.
+    WideseekCfgListData list;
+    const bool bSources = MyMakeBuckets(list);
+    m_bTimerWaiting = false;
+    if (!MyIsCurrent(strKey)) {
+        // The buckets are empty, so the newer request must not be taken for a repeat of this one.
+        MyForgetSearched();
+        return false;
     }
-    m_uSerial = m_requestNext.uSerial;
-    m_pCallback = m_requestNext.pCallback;
-    m_requestNext.pCallback = nullptr;
-    if (m_requestNext.bDropped) {
-        m_pLastCallback = nullptr;
+    if (!bSources) {
+        return true;
     }
-    m_strKey = m_requestNext.strKey;
-    m_strRawKey = m_requestNext.strRawKey;
-    m_iFromIndex = m_requestNext.iFromIndex;
-    m_iSearchCount = m_requestNext.iSearchCount;
-    return !m_bStopped;
+    for (const WideseekCfgItemData& item : list.listItem) {
+        if (MyIsStopped()) {
+            return true;
+        }
+        MyReSearchByType(item.strIdName, strKey, strRawKey);
+        MyCheckResult(strKey, strRawKey);
+    }
+    if (list.listItem.empty()) {
+        MyCheckResult(strKey, strRawKey);
+    }
+    return true;
 }
 
-bool CWideseekAction::MyIsCurrent(const std::string& strKey) const {
-    const CLock lock(m_csRequest);
-    return MyIsCurrentLocked(strKey);
+// ---- is its page ready? ----
+
+bool CWideseekAction::MyCheckResult(std::string strKey, std::string strRawKey) {
+    if (!MyHasCallback()) {
+        return false;
+    }
+    long long llRows = 0;
+    bool bAllFinished = true;
+    bool bSearching = false;
+    for (const ResultData* pBucket : m_listResultData) {
+        if (pBucket->iState == RESULT_STATE_SEARCHING) {
+            bSearching = true;
+            break;
+        }
+        if (pBucket->iState == RESULT_STATE_PENDING) {
+            bAllFinished = false;
+        }
+        llRows += static_cast<long long>(pBucket->listItem.size());
+    }
+    if (bAllFinished && !bSearching) {
+        return MyCopyResult(strKey, strRawKey);
+    }
+    long long llTarget = static_cast<long long>(GetFromIndex()) + GetSearchCount();
+    if (llTarget == 0) {
+        llTarget = MAX_INDEX;
+    }
+    if (llTarget <= llRows) {
+        MyCopyResult(strKey, strRawKey);
+    } else if (bSearching && !m_bTimerWaiting) {
+        MyArmTimer();
+    }
+    return true;
 }
 
-bool CWideseekAction::MyIsCurrentLocked(const std::string& strKey) const {
-    return !m_bStopped && m_requestNext.uSerial == m_uSerial && strKey == m_strKey;
+void CWideseekAction::MyArmTimer() {
+    MyKillTimer();
+    using Handler = int (ETL_MsgQueueHelper::chMsgProcesser::*)(ETL_MsgQueueHelper::msgObject&);
+    m_bTimerWaiting = m_timerCheck.SetTimer(CHECK_PERIOD_MS, nullptr, this,
+                                            static_cast<Handler>(&CWideseekAction::MyDealTimeoutMessage));
 }
 
-bool CWideseekAction::MyHasCallback() const {
-    const CLock lock(m_csRequest);
-    return m_pCallback != nullptr;
-}
-
-bool CWideseekAction::MyIsStopped() const {
-    const CLock lock(m_csRequest);
-    return m_bStopped;
-}
-
-void CWideseekAction::MyMarkSearched(const std::string& strKey) {
-    const CLock lock(m_csRequest);
-    if (m_uFilledAt == m_uResets) {
-        m_strLastKey = strKey;
+void CWideseekAction::MyKillTimer() {
+    {
+        const CLock lock(m_csRequest);
+        ++m_uArmings;
+    }
+    if (m_timerCheck.IsTimerRuning()) {
+        m_timerCheck.KillTimer();
     }
 }
 
-void CWideseekAction::MyForgetSearched() {
+unsigned int CWideseekAction::MyArmings() const {
     const CLock lock(m_csRequest);
-    m_strLastKey.clear();
+    return m_uArmings;
+}
+
+// ---- what comes later: the timer, and LDAP's answer ----
+
+int CWideseekAction::OnMessage(ETL_MsgQueueHelper::msgObject& msg) {
+    return msg.uMessageId == ETL_MsgQueueHelper::MSG_THREAD_TIMER ? MyDealTimeoutMessage(msg) : 0;
+}
+
+int CWideseekAction::MyDealTimeoutMessage(ETL_MsgQueueHelper::msgObject& /*msg*/) {
+    const unsigned int uArmings = MyArmings();
+    const CLock lock(m_csWork);
+    if (uArmings != MyArmings()) {
+        // While this expiry waited for the work, a newer search armed the timer for itself.
+        return 0;
+    }
+    MyKillTimer();
+    try {
+        return MyDealTimeout() ? 1 : 0;
+    } catch (...) {
+        MyGiveUp();
+        return 0;
+    }
+}
+
+bool CWideseekAction::MyDealTimeout() {
+    if (m_strKey.empty()) {
+        // The search that armed the timer has been cleared away; the recent calls that took its place stay.
+        return false;
+    }
+    std::list<ResultData*> listSearching;
+    for (auto it = m_listResultData.begin(); it != m_listResultData.end();) {
+        const auto itBucket = it++;
+        if ((*itBucket)->iState == RESULT_STATE_SEARCHING) {
+            listSearching.splice(listSearching.end(), m_listResultData, itBucket);
+        }
+    }
+    m_listResultData.splice(m_listResultData.end(), listSearching);
+    return MyCopyResult(m_strKey, m_strRawKey);
+}
+
+void CWideseekAction::OnTaskActionCallback(NS_TA::CTaskAction* pAction) {
+    if (pAction == nullptr || pAction->GetTypeId() != NS_TA::TASK_TYPE_LDAP) {
+        return;
+    }
+    const CLock lock(m_csWork);
+    try {
+        OnTaskActionCallbackLdap(static_cast<NS_TA::CLdapAction*>(pAction));
+    } catch (...) {
+        MyGiveUp();
+    }
+}
+
+void CWideseekAction::OnTaskActionCallbackLdap(NS_TA::CLdapAction* pAction) {
+    if (pAction == nullptr) {
+        return;
+    }
+    ResultData* pBucket = MyFindResultByType(SOURCE_ID_LDAP);
+    if (pBucket == nullptr) {
+        SetResultCode(RESULT_CODE_MISSING);
+        return;
+    }
+    const std::string strConverted = CommonAPI_StringConvert(pAction->GetKey(), STRING_CONVERT_SEARCH_KEY);
+    if (pAction->GetResultCode() != 0 || strConverted != m_strKey) {
+        pBucket->iState = RESULT_STATE_FAILED;
+        return;
+    }
+    std::list<ItemData> listNew;
+    for (const NS_TA::LdapResultItem& answer : pAction->GetResultList()) {
+        AppendAnswer(listNew, answer);
+    }
+    MyMergeRows(*pBucket, listNew);
+    MyRestoreCallback();
+    pBucket->iState = RESULT_STATE_DONE;
+    MyCheckResult(pAction->GetKey(), strConverted);
 }
 
 } // namespace NS_WS

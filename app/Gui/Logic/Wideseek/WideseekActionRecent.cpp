@@ -2,8 +2,11 @@
 
 #include "app/Gui/Logic/Wideseek/WideseekAction.h"
 #include "app/Gui/Logic/Wideseek/WideseekInternal.h"
+#include "app/Gui/Logic/Wideseek/WideseekRows.h"
 #include "app/Gui/Logic/Wideseek/modWideseek.h"
 #include "platform/Directory.h"
+
+#include <algorithm>
 
 namespace NS_WS {
 
@@ -37,37 +40,33 @@ bool CWideseekAction::ReadEmptyByKey() {
 }
 
 bool CWideseekAction::MySearchRecent() {
-    if (m_pResultList == nullptr) {
+    if (!m_page.HasRecord()) {
         SetResultCode(RESULT_CODE_MISSING);
         return false;
     }
-    WideseekListData page;
+    int iTotalCount = 0;
     if (Wideseek_IsRecentSearchOpen()) {
-        m_iSearchCount = RECENT_CALL_COUNT;
+        m_page.SetPosition(GetFromIndex(), RECENT_CALL_COUNT);
         OxVector<GeneralDirItemData> vecItem;
         const int iAvailable = Directory_SearchCallLogRecentOutCall(vecItem, GetFromIndex(), RECENT_CALL_COUNT);
-        if (iAvailable >= 0) {
-            page.iTotalCount = iAvailable;
-            MyAppendRecent(vecItem, page);
+        for (int i = 0; iAvailable >= 0 && i < vecItem.Count(); ++i) {
+            MyAppendRecent(vecItem.At(i));
         }
+        iTotalCount = std::max(iAvailable, 0);
     }
-    MySetPage(page);
+    m_page.Publish("", iTotalCount);
     MyForgetSearched();
     SetResultCode(0);
     return true;
 }
 
-void CWideseekAction::MyAppendRecent(const OxVector<GeneralDirItemData>& vecItem, WideseekListData& page) {
-    for (int i = 0; i < vecItem.Count(); ++i) {
-        const GeneralDirItemData* pCall = vecItem.At(i);
-        if (pCall == nullptr || (pCall->strName.empty() && pCall->strNumber.empty())) {
-            continue;
-        }
-        WideseekItemData item;
-        item.strName = pCall->strName.empty() ? pCall->strNumber : pCall->strName;
-        item.strNumber = pCall->strNumber;
-        item.strExtra2 = pCall->strExtra;
-        page.listItem.push_back(item);
+void CWideseekAction::MyAppendRecent(const GeneralDirItemData* pCall) {
+    if (pCall == nullptr) {
+        return;
+    }
+    const ItemData row = RowOfCall(*pCall);
+    if (!row.IsBlank()) {
+        m_page.Append(row);
     }
 }
 

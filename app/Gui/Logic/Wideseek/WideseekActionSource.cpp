@@ -1,97 +1,101 @@
-// Asking the sources, and LDAP's late answers.
+// Asking the sources, and merging what they offer into their buckets.
 
 #include "app/Gui/Logic/Wideseek/WideseekAction.h"
+#include "app/Gui/Logic/Wideseek/WideseekCfgData.h"
 #include "app/Gui/Logic/Wideseek/WideseekController.h"
 #include "app/Gui/Logic/Wideseek/WideseekInternal.h"
+#include "app/Gui/Logic/Wideseek/WideseekRows.h"
 #include "platform/AppLog.h"
-#include "platform/CommonAPI.h"
 #include "platform/Directory.h"
 #include "platform/Presence.h"
-
-#include <array>
-#include <cstddef>
 
 namespace NS_WS {
 
 namespace {
 
-constexpr const char* SOURCE_ID_LOCAL = "local_directory_search";
-constexpr const char* SOURCE_ID_CALLLOG = "calllog_search";
-constexpr const char* SOURCE_ID_REMOTE = "remote_directory_search";
-constexpr const char* SOURCE_ID_BST = "BroadSoft_directory_search";
-constexpr const char* SOURCE_ID_NETWORK = "Network_directory_search";
 constexpr const char* SOURCE_ID_UC = "BroadSoft_UC_search";
 
+// The sources that answer at once, and whom to ask. The network directory is the BroadSoft directory under another id.
+struct DirectorySource {
+    const char* pszId;
+    bool (*pQuery)(WideseekItemListData*);
+};
+
+constexpr DirectorySource DIRECTORY_SOURCES[] = {
+    {"local_directory_search", Directory_LocalDirWideseek}, {"remote_directory_search", RemoteDir_Wideseek},
+    {"calllog_search", Directory_LocalLogWideseek},         {"BroadSoft_directory_search", BSFTDir_Wideseek},
+    {"Network_directory_search", BSFTDir_Wideseek},
+};
+
 constexpr int LDAP_MAX_COUNT = 1000;
-constexpr int LDAP_ACTION_TYPE_ID = 3;
-constexpr int ATTRIBUTE_TYPE_PHONE = 2;
-constexpr std::size_t MAX_BUDDY_NUMBERS = 3;
 
 } // namespace
 
-bool CWideseekAction::MyReSearch(std::string strKey, std::string strRawKey) {
-    // One list for the buckets and for the questions: a bucket that a reload in between leaves unasked would never
-    // finish.
+// ---- buckets ----
+
+bool CWideseekAction::MyRefreshResult() {
     WideseekCfgListData list;
-    const bool bSources = MyRefreshResult(list);
-    m_bTimerWaiting = false;
-    if (!MyIsCurrent(strKey)) {
-        // The buckets are empty, so the newer request must not be taken for a repeat of this one.
-        MyForgetSearched();
-        return false;
-    }
-    if (!bSources) {
-        return true;
-    }
-    for (const WideseekCfgItemData& item : list.listItem) {
-        if (MyIsStopped()) {
-            return true;
-        }
-        MyReSearchByType(item.strIdName, strKey, strRawKey);
-        MyCheckResult(strKey, strRawKey);
-    }
-    if (list.listItem.empty()) {
-        MyCheckResult(strKey, strRawKey);
-    }
+    MyMakeBuckets(list);
     return true;
 }
 
-bool CWideseekAction::MyReSearchByType(const std::string& strType, std::string strKey, std::string strRawKey) {
-    if (strType == SOURCE_ID_LOCAL) {
-        return MyReSearchLocal(strKey, strRawKey);
+bool CWideseekAction::MyMakeBuckets(WideseekCfgListData& list) {
+    MyClearResult();
+    const bool bSources = CWideseekController::LendEnableCfgList(&list);
+    for (const WideseekCfgItemData& item : list.listItem) {
+        if (item.strIdName.empty()) {
+            continue;
+        }
+        // In the list before it is filled: what is in the list is given back, whatever becomes of the rest.
+        m_listResultData.push_back(nullptr);
+        ResultData* pBucket = WS_NEW("app/Gui/Logic/Wideseek/WideseekAction") ResultData;
+        if (pBucket == nullptr) {
+            m_listResultData.pop_back();
+            // The source is not asked, so what is found is no key's whole result.
+            ResetKey();
+            continue;
+        }
+        m_listResultData.back() = pBucket;
+        pBucket->strType = item.strIdName;
+        pBucket->iState = RESULT_STATE_PENDING;
     }
-    if (strType == SOURCE_ID_REMOTE) {
-        return MyReSearchRemote(strKey, strRawKey);
+    return bSources;
+}
+
+bool CWideseekAction::MyClearResult() {
+    {
+        const CResultLock lock(m_csResult, "MyClearResult-----------LOCK-----------------",
+                               "MyClearResult----------- UN LOCK-----------------");
+        while (!m_listResultData.empty()) {
+            WS_DELETE("app/Gui/Logic/Wideseek/WideseekAction", m_listResultData.front());
+            m_listResultData.pop_front();
+        }
+    }
+    m_walk.Clear();
+    return true;
+}
+
+ResultData* CWideseekAction::MyFindResultByType(const std::string& strType) {
+    for (ResultData* pBucket : m_listResultData) {
+        if (pBucket->strType == strType) {
+            return pBucket;
+        }
+    }
+    return nullptr;
+}
+
+// ---- questions ----
+
+bool CWideseekAction::MyReSearchByType(const std::string& strType, std::string strKey, std::string strRawKey) {
+    for (const DirectorySource& source : DIRECTORY_SOURCES) {
+        if (strType == source.pszId) {
+            return MyReSearchDirectory(strType, strKey, source.pQuery);
+        }
     }
     if (strType == SOURCE_ID_LDAP) {
         return MyReSearchLdap(strKey, strRawKey);
     }
-    if (strType == SOURCE_ID_CALLLOG) {
-        return MyReSearchCalllog(strKey, strRawKey);
-    }
-    if (strType == SOURCE_ID_BST || strType == SOURCE_ID_NETWORK) {
-        return MyReSearchBst(strKey, strRawKey, strType);
-    }
-    if (strType == SOURCE_ID_UC) {
-        return MyReSearchUC(strKey, strRawKey);
-    }
-    return false;
-}
-
-bool CWideseekAction::MyReSearchLocal(std::string strKey, std::string /*strRawKey*/) {
-    return MyReSearchDirectory(SOURCE_ID_LOCAL, strKey, Directory_LocalDirWideseek);
-}
-
-bool CWideseekAction::MyReSearchRemote(std::string strKey, std::string /*strRawKey*/) {
-    return MyReSearchDirectory(SOURCE_ID_REMOTE, strKey, RemoteDir_Wideseek);
-}
-
-bool CWideseekAction::MyReSearchCalllog(std::string strKey, std::string /*strRawKey*/) {
-    return MyReSearchDirectory(SOURCE_ID_CALLLOG, strKey, Directory_LocalLogWideseek);
-}
-
-bool CWideseekAction::MyReSearchBst(std::string strKey, std::string /*strRawKey*/, std::string strType) {
-    return MyReSearchDirectory(strType, strKey, BSFTDir_Wideseek);
+    return strType == SOURCE_ID_UC && MyReSearchUC(strKey, strRawKey);
 }
 
 bool CWideseekAction::MyReSearchDirectory(const std::string& strType, const std::string& strKey,
@@ -119,11 +123,9 @@ bool CWideseekAction::MyReSearchLdap(std::string strKey, std::string /*strRawKey
     // The coming answer must not find its own former rows in the filter.
     std::list<ItemData> listDropped;
     listDropped.swap(pBucket->listItem);
-    MyRemoveFilter(listDropped);
+    MyForgetRows(listDropped);
     pBucket->iState = RESULT_STATE_SEARCHING;
-    void* pThread = ETL_MsgQueueHelper::uCSystemShareHelpergetGlobalObject()->m_processLocal.GetLocalThreadByName(
-        "ThreadLocalContactSearch");
-    return Ldap_SearchAsync(strKey, GetFromIndex(), LDAP_MAX_COUNT, this, pThread) != 0;
+    return Ldap_SearchAsync(strKey, GetFromIndex(), LDAP_MAX_COUNT, this, FindSearchThread()) != 0;
 }
 
 bool CWideseekAction::MyReSearchUC(std::string strKey, const std::string& /*strRawKey*/) {
@@ -145,7 +147,7 @@ bool CWideseekAction::MyReSearchUC(std::string strKey, const std::string& /*strR
         info.iContactId = iContactId;
         pManager = CPresenceContactManager::GetInstance();
         if (pManager != nullptr && pManager->GetContactDetail(info, PRESENCE_TYPE_BUDDY, 0) != 0) {
-            MyAppendBuddy(listNew, info);
+            AppendBuddy(listNew, info);
         }
     }
     MyMergeRows(*pBucket, listNew);
@@ -153,70 +155,57 @@ bool CWideseekAction::MyReSearchUC(std::string strKey, const std::string& /*strR
     return bFound;
 }
 
-void CWideseekAction::MyAppendBuddy(std::list<ItemData>& listNew, const PresenceInfo& info) {
-    if (info.strName.empty()) {
-        return;
-    }
-    ItemData& item = listNew.emplace_back();
-    item.strName = info.strName;
-    item.strExtra1 = info.strInfo1;
-    item.strExtra2 = info.strInfo2;
-    item.iExtra = info.iInfo;
-    item.strNameKey = CommonUnits_ToKeyString(info.strName);
+// ---- merging ----
 
-    std::array<std::string, MAX_BUDDY_NUMBERS> arrNumber;
-    std::size_t uCollected = 0;
-    for (const Attribute& attribute : info.listAttr) {
-        if (uCollected == arrNumber.size()) {
-            break;
-        }
-        if (attribute.iType == ATTRIBUTE_TYPE_PHONE) {
-            arrNumber[uCollected++] = attribute.strValue;
-        }
-    }
-    MySplitByNumber(listNew, {&arrNumber[0], &arrNumber[1], &arrNumber[2]});
-}
-
-CWideseekAction::ResultData* CWideseekAction::MyFindResultByType(const std::string& strType) {
-    for (ResultData* pBucket : m_listResultData) {
-        if (pBucket->strType == strType) {
-            return pBucket;
-        }
-    }
-    return nullptr;
-}
-
-void CWideseekAction::OnTaskActionCallback(NS_TA::CTaskAction* pAction) {
-    if (pAction != nullptr && pAction->GetTypeId() == LDAP_ACTION_TYPE_ID) {
-        const CLock lock(m_csWork);
-        OnTaskActionCallbackLdap(static_cast<NS_TA::CLdapAction*>(pAction));
-    }
-}
-
-void CWideseekAction::OnTaskActionCallbackLdap(NS_TA::CLdapAction* pAction) {
-    if (pAction == nullptr) {
-        return;
-    }
-    ResultData* pBucket = MyFindResultByType(SOURCE_ID_LDAP);
+void CWideseekAction::MyInsertResult(ResultData* pBucket, OxList<DirectorySearchData>& hitList) {
     if (pBucket == nullptr) {
-        SetResultCode(RESULT_CODE_MISSING);
-        return;
-    }
-    const std::string strConverted = CommonAPI_StringConvert(pAction->GetKey(), STRING_CONVERT_SEARCH_KEY);
-    if (pAction->GetResultCode() != 0 || strConverted != m_strKey) {
-        pBucket->iState = RESULT_STATE_FAILED;
         return;
     }
     std::list<ItemData> listNew;
-    for (const NS_TA::LdapResultItem& result : pAction->GetResultList()) {
-        if (!result.strNumber.empty()) {
-            listNew.emplace_back(result.strName, result.strNumber);
-        }
+    for (auto* pNode = hitList.Begin(); pNode != hitList.End(); pNode = pNode->pNext) {
+        AppendContact(listNew, pNode->value);
     }
     MyMergeRows(*pBucket, listNew);
-    MyRestoreCallback();
-    pBucket->iState = RESULT_STATE_DONE;
-    MyCheckResult(pAction->GetKey(), strConverted);
+}
+
+// The duplicate rule: for each row the filter is asked, and what it does not hold is recorded there and appended.
+void CWideseekAction::MyMergeRows(ResultData& bucket, std::list<ItemData>& listNew) {
+    for (const FilterPlace& place : InFilterOrder(listNew)) {
+        if (MyIsFilterExist(*place.itRow)) {
+            listNew.erase(place.itRow);
+        } else {
+            MyAddFilter(*place.itRow);
+        }
+    }
+    bucket.listItem.splice(bucket.listItem.end(), listNew);
+}
+
+bool CWideseekAction::MyIsFilterExist(const ItemData& item) {
+    return m_walk.Holds(item);
+}
+
+bool CWideseekAction::MyAddFilter(const ItemData& item) {
+    return m_walk.Add(item);
+}
+
+bool CWideseekAction::MyRemoveFilter(const ItemData& item) {
+    return m_walk.Remove(item);
+}
+
+void CWideseekAction::MyForgetRows(const std::list<ItemData>& listDropped) {
+    if (listDropped.size() <= m_mapFilter.size() / 3 * 2) {
+        for (const FilterPlace& place : InFilterOrder(listDropped)) {
+            MyRemoveFilter(*place.itRow);
+        }
+        return;
+    }
+    // To begin anew with the few that are left is less work.
+    m_walk.Clear();
+    for (const ResultData* pBucket : m_listResultData) {
+        for (const FilterPlace& place : InFilterOrder(pBucket->listItem)) {
+            MyAddFilter(*place.itRow);
+        }
+    }
 }
 
 } // namespace NS_WS

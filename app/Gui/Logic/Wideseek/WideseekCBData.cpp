@@ -10,7 +10,7 @@ CWideseekCBData::CWideseekCBData() : m_pResultList(nullptr) {
 }
 
 CWideseekCBData::~CWideseekCBData() {
-    TrackedDelete(m_pResultList);
+    WS_DELETE("app/Gui/Logic/Wideseek/WideseekAction", m_pResultList);
     m_pResultList = nullptr;
 }
 
@@ -23,17 +23,22 @@ WideseekListData* CWideseekCBData::GetResultListPtr() {
 }
 
 WideseekListData CWideseekCBData::GetResultList() const {
-    return m_pResultList != nullptr ? *m_pResultList : WideseekListData();
+    return WithoutException(WideseekListData(),
+                            [this] { return m_pResultList != nullptr ? *m_pResultList : WideseekListData(); });
 }
 
 std::string CWideseekCBData::GetKey() const {
-    return m_pResultList != nullptr ? m_pResultList->strKey : std::string();
+    return WithoutException(std::string(),
+                            [this] { return m_pResultList != nullptr ? m_pResultList->strKey : std::string(); });
 }
 
 void CWideseekCBData::SetKey(const std::string& strKey) {
-    if (m_pResultList != nullptr) {
-        m_pResultList->strKey = strKey;
-    }
+    WithoutException(false, [&] {
+        if (m_pResultList != nullptr) {
+            m_pResultList->strKey = strKey;
+        }
+        return true;
+    });
 }
 
 int CWideseekCBData::GetFromIndex() const {
@@ -67,9 +72,12 @@ void CWideseekCBData::SetTotalCount(int iTotalCount) {
 }
 
 void CWideseekCBData::AppendResult(const WideseekItemData& item) {
-    if (m_pResultList != nullptr) {
-        m_pResultList->listItem.push_back(item);
-    }
+    WithoutException(false, [&] {
+        if (m_pResultList != nullptr) {
+            m_pResultList->listItem.push_back(item);
+        }
+        return true;
+    });
 }
 
 void CWideseekCBData::ResetResultList() {

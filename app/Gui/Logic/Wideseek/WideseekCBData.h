@@ -12,7 +12,7 @@
 //
 // It is reference-counted: the receiver may read it during the call and takes a reference to keep it. It is written
 // before it is posted and read afterwards, so it needs no lock. Every operation copes with a page that could not be
-// allocated.
+// allocated. None throws: what there is no memory for is not set and not appended, and a copy of it is empty.
 #pragma once
 
 #include "app/Gui/Logic/Wideseek/WideseekData.h"
@@ -25,7 +25,7 @@ namespace NS_WS {
 
 class WS_API CWideseekCBData : public NS_TA::CTaskAction {
 public:
-    static constexpr int TYPE_ID = 7;
+    static constexpr int TYPE_ID = NS_TA::TASK_TYPE_WIDESEEK_PAGE;
 
     CWideseekCBData();
     ~CWideseekCBData() override;

@@ -8,13 +8,14 @@
 
 #include <condition_variable>
 #include <mutex>
+#include <utility>
 
 namespace NS_WS {
 
-namespace {
+using ETL_MsgQueueHelper::CFG_CHANGE_WIDESEEK;
+using ETL_MsgQueueHelper::MSG_CONFIG_CHANGED;
 
-constexpr unsigned int MSG_CONFIG_CHANGED = 0x10007;
-constexpr long long CFG_CHANGE_WIDESEEK = 52;
+namespace {
 
 // Who uses the controller. The lock is recursive because making the controller makes the action, which asks the
 // controller for its sources.
@@ -33,10 +34,19 @@ UseRecord& Uses() {
 CWideseekController* CWideseekController::m_pInst = nullptr;
 
 CWideseekController::CUse::CUse(bool bCreate) : m_pController(nullptr) {
-    const std::lock_guard lock(Uses().mutex);
-    m_pController = bCreate ? MyGetInstance() : m_pInst;
-    if (m_pController != nullptr) {
-        ++m_pController->m_iUses;
+    bool bListens = true;
+    {
+        const std::lock_guard lock(Uses().mutex);
+        m_pController = bCreate ? MyGetInstance() : m_pInst;
+        if (m_pController != nullptr) {
+            ++m_pController->m_iUses;
+            // Not while it is being made, which is itself such a use.
+            bListens = !bCreate || std::exchange(m_pController->m_bListens, true);
+        }
+    }
+    if (!bListens && !MyListen()) {
+        const std::lock_guard lock(Uses().mutex);
+        m_pController->m_bListens = false;
     }
 }
 
@@ -50,8 +60,10 @@ CWideseekController::CUse::~CUse() {
 }
 
 CWideseekController* CWideseekController::GetInstance() {
-    const std::lock_guard lock(Uses().mutex);
-    return MyGetInstance();
+    return WithoutException<CWideseekController*>(nullptr, [] {
+        const CUse use(true);
+        return use.operator->();
+    });
 }
 
 CWideseekController* CWideseekController::MyGetInstance() {
@@ -61,8 +73,26 @@ CWideseekController* CWideseekController::MyGetInstance() {
         if (m_pInst != nullptr) {
             m_pInst->MyInit();
         }
+        if (m_pInst != nullptr && (m_pInst->m_pModel == nullptr || m_pInst->m_pSearchAction == nullptr)) {
+            // With a half of it there would be no search until the phone starts again. The next use tries anew.
+            MyDestroy(std::exchange(m_pInst, nullptr));
+        }
     }
     return m_pInst;
+}
+
+bool CWideseekController::MyListen() {
+    return WithoutException(false, [] {
+        EtlMsgHandler_RegisterMsgHandle(MSG_CONFIG_CHANGED, MSG_CONFIG_CHANGED, OnMessage);
+        return true;
+    });
+}
+
+void CWideseekController::MyDestroy(CWideseekController* pController) {
+    if (pController != nullptr) {
+        pController->MyFinal();
+        WS_DELETE("app/Gui/Logic/Wideseek/WideseekController", pController);
+    }
 }
 
 void CWideseekController::ReleaseInstance() {
@@ -80,35 +110,35 @@ void CWideseekController::ReleaseInstance() {
         m_pInst = nullptr;
         Uses().cvUnused.wait(lock, [pController] { return pController->m_iUses == 0; });
     }
-    pController->MyFinal();
-    TrackedDelete(pController);
+    MyDestroy(pController);
 }
 
 bool CWideseekController::LendEnableCfgList(WideseekCfgListData* pList) {
     const CUse use(false);
-    return use && use->GetEnableCfgList(pList);
+    return use && use->m_pModel != nullptr && use->m_pModel->GetEnableCfgList(pList);
 }
 
-CWideseekController::CWideseekController() : m_pSearchAction(nullptr), m_pModel(nullptr), m_iUses(0) {
+CWideseekController::CWideseekController()
+    : m_pSearchAction(nullptr), m_pModel(nullptr), m_iUses(0), m_bListens(false) {
 }
 
 CWideseekController::~CWideseekController() = default;
 
 bool CWideseekController::MyInit() {
     if (m_pModel == nullptr) {
-        m_pModel = WS_NEW("app/Gui/Logic/Wideseek/WideseekController") CWideseekModel;
+        m_pModel = WithoutException<CWideseekModel*>(
+            nullptr, [] { return WS_NEW("app/Gui/Logic/Wideseek/WideseekController") CWideseekModel; });
     }
     if (m_pSearchAction == nullptr) {
         m_pSearchAction = Wideseek_CreateSearchAction();
     }
-    EtlMsgHandler_RegisterMsgHandle(MSG_CONFIG_CHANGED, MSG_CONFIG_CHANGED, OnMessage);
     return true;
 }
 
 bool CWideseekController::MyFinal() {
     Wideseek_DestroySearchAction(m_pSearchAction);
     m_pSearchAction = nullptr;
-    TrackedDelete(m_pModel);
+    WS_DELETE("app/Gui/Logic/Wideseek/WideseekController", m_pModel);
     m_pModel = nullptr;
     return true;
 }
@@ -123,15 +153,12 @@ bool CWideseekController::SearchUnion(const std::string& strKey, int iFromIndex,
     if (m_pSearchAction == nullptr) {
         return false;
     }
-    unsigned long long uSerial = 0;
-    {
-        const CWideseekAction::CHandOver handOver(*m_pSearchAction, pCallback);
-        m_pSearchAction->SetFromIndex(iFromIndex);
-        m_pSearchAction->SetSearchCount(iSearchCount);
-        m_pSearchAction->SetKey(strKey);
-        uSerial = handOver.GetSerial();
-    }
-    if (TaskAction_ExecAction(m_pSearchAction) != 0) {
+    CWideseekRequest request(pCallback);
+    request.SetFromIndex(iFromIndex);
+    request.SetSearchCount(iSearchCount);
+    request.SetKey(strKey);
+    const unsigned long long uSerial = m_pSearchAction->HandOver(std::move(request));
+    if (WithoutException(0, [this] { return TaskAction_ExecAction(m_pSearchAction); }) != 0) {
         return true;
     }
     m_pSearchAction->TakeBack(uSerial);
@@ -151,15 +178,17 @@ void CWideseekController::ResetCallback(NS_TA::CTaskActionCallbackBase* pCallbac
 }
 
 bool CWideseekController::GetEnableCfgList(WideseekCfgListData* pList) const {
-    return m_pModel != nullptr && m_pModel->GetEnableCfgList(pList);
+    return m_pModel != nullptr && WithoutException(false, [&] { return m_pModel->GetEnableCfgList(pList); });
 }
 
 int CWideseekController::OnMessage(ETL_MsgQueueHelper::msgObject& msg) {
     if (msg.uMessageId != MSG_CONFIG_CHANGED || msg.llParam1 != CFG_CHANGE_WIDESEEK) {
         return 0;
     }
-    const CUse use(false);
-    return use ? use->MyOnConfigureMessage(msg) : 0;
+    return WithoutException(0, [&] {
+        const CUse use(false);
+        return use ? use->MyOnConfigureMessage(msg) : 0;
+    });
 }
 
 int CWideseekController::MyOnConfigureMessage(ETL_MsgQueueHelper::msgObject& /*msg*/) {
@@ -168,7 +197,7 @@ int CWideseekController::MyOnConfigureMessage(ETL_MsgQueueHelper::msgObject& /*m
     }
     ResetKey();
     app_log(LOG_MODULE_WIDESEEK, LOG_LEVEL_INFO, "Wideseek: begin to reload configure!\n");
-    const bool bRead = m_pModel->ReloadConfigure();
+    const bool bRead = WithoutException(false, [this] { return m_pModel->ReloadConfigure(); });
     // A search that began while the file was being read asked the sources of before.
     ResetKey();
     return bRead ? 1 : 0;

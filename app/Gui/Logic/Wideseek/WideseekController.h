@@ -55,7 +55,7 @@ public:
     WS_API static void ReleaseInstance();
 
     // The enabled sources of the controller that there is; false when there is none. It never makes one: a search that
-    // outlives its controller must not bring up another.
+    // outlives its controller must not bring up another. Throws std::bad_alloc without memory, with *pList unchanged.
     static bool LendEnableCfgList(WideseekCfgListData* pList);
 
     // Always true; making the controller is the work.
@@ -84,9 +84,14 @@ private:
     CWideseekController();
     ~CWideseekController() override;
 
-    template <typename T> friend void TrackedDelete(T* pObject) noexcept;
+    template <typename T> friend void TrackedDelete(T* pObject, const char* pszFile, int iLine) noexcept;
 
     static CWideseekController* MyGetInstance();
+
+    // Registers OnMessage with the phone; false when there is no memory for it. With no lock held: a phone that calls
+    // handlers with a lock of its own held takes that lock here, too.
+    static bool MyListen();
+    static void MyDestroy(CWideseekController* pController); // null: nothing happens
     bool MyInit();
     bool MyFinal();
     int MyOnConfigureMessage(ETL_MsgQueueHelper::msgObject& msg);
@@ -96,6 +101,7 @@ private:
     CWideseekAction* m_pSearchAction; // holds one reference
     CWideseekModel* m_pModel;         // owned
     int m_iUses;                      // how many CUse there are of this controller
+    bool m_bListens;                  // OnMessage is registered, or being so
 };
 
 } // namespace NS_WS

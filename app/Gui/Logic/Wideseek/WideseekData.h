@@ -68,7 +68,7 @@ struct CallLogSearchListData {
 struct Attribute {
     std::string strAttrName;
     std::string strValue;
-    int iType = 0; // 2: strValue is a phone number
+    int iType = 0; // an AttributeType (platform/Presence.h)
 };
 
 // The details of a presence buddy.

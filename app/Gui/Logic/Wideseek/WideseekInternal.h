@@ -1,7 +1,9 @@
 // What the module's own files share: its log numbers, its allocations and its scoped lock. Not for callers.
 #pragma once
 
+#include "platform/AppLog.h"
 #include "platform/BaseHelper.h"
+#include "platform/MsgQueueHelper.h"
 #include "platform/TrackedMemory.h"
 
 namespace NS_WS {
@@ -17,12 +19,31 @@ constexpr int RESULT_CODE_RANGE = 72;
 // The id of the source that answers later.
 constexpr const char* SOURCE_ID_LDAP = "ldap_search";
 
-// Ends an object that was made with the tracking operator new and gives its memory back. pObject may be null; where T
-// is a base, its destructor is virtual and the base is the first one.
-template <typename T> void TrackedDelete(T* pObject) noexcept {
+// A result ends here, however many rows there are.
+constexpr int MAX_INDEX = 0x00ffffff;
+
+// The handle of the thread on which searches are done.
+inline void* FindSearchThread() {
+    return ETL_MsgQueueHelper::uCSystemShareHelpergetGlobalObject()->m_processLocal.GetLocalThreadByName(
+        ETL_MsgQueueHelper::THREAD_CONTACT_SEARCH);
+}
+
+// Ends an object that was made with the tracking operator new and gives its memory back, in the name of this file and
+// line. pObject may be null; where T is a base, its destructor is virtual and the base is the first one.
+template <typename T> void TrackedDelete(T* pObject, const char* pszFile, int iLine) noexcept {
     if (pObject != nullptr) {
         pObject->~T();
-        ::operator delete(static_cast<void*>(pObject), "app/Gui/Logic/Wideseek", 0);
+        ::operator delete(static_cast<void*>(pObject), pszFile, iLine);
+    }
+}
+
+// Runs what an exported function or a handler of messages does. No exception leaves the module: where work ends with
+// one, for want of memory, the answer is valueOtherwise.
+template <typename Value, typename Work> Value WithoutException(Value valueOtherwise, Work work) noexcept {
+    try {
+        return work();
+    } catch (...) {
+        return valueOtherwise;
     }
 }
 
@@ -39,8 +60,32 @@ private:
     ETL_BaseHelper::chCriticalSection& m_csLock;
 };
 
+// Holds the lock of the buckets from its construction to its end, and tells the log of both beforehand.
+class CH_SCOPED_CAPABILITY CResultLock {
+public:
+    // The lines without their line feeds; literals.
+    CResultLock(ETL_BaseHelper::chCriticalSection& csResult, const char* pszLock, const char* pszUnlock)
+        CH_ACQUIRE(csResult)
+        : m_csResult(csResult), m_pszUnlock(pszUnlock) {
+        app_log(LOG_MODULE_WIDESEEK, LOG_LEVEL_INFO, "%s\n", pszLock);
+        m_csResult.Lock();
+    }
+    ~CResultLock() CH_RELEASE() {
+        app_log(LOG_MODULE_WIDESEEK, LOG_LEVEL_INFO, "%s\n", m_pszUnlock);
+        m_csResult.Unlock();
+    }
+
+    CResultLock(const CResultLock&) = delete;
+    CResultLock& operator=(const CResultLock&) = delete;
+
+private:
+    ETL_BaseHelper::chCriticalSection& m_csResult;
+    const char* m_pszUnlock;
+};
+
 } // namespace NS_WS
 
 // Makes an object with the tracking operator new: WS_NEW("app/Gui/Logic/Wideseek/WideseekModel") CWideseekModel.
-// Null when there is no memory.
+// Null when there is no memory. WS_DELETE("app/Gui/Logic/Wideseek/WideseekModel", pModel) gives it back.
 #define WS_NEW(file) new (file, __LINE__)
+#define WS_DELETE(file, object) TrackedDelete(object, file, __LINE__)

@@ -5,7 +5,8 @@
 
 #include <pugixml.hpp>
 
-#include <utility>
+#include <new>
+#include <string>
 
 namespace NS_WS {
 
@@ -34,8 +35,17 @@ CWideseekModel::ConfigureItem ItemOf(const pugi::xml_node& node) {
 
 // Appends the items of the file. False when there is nothing to read.
 bool ReadItems(std::list<CWideseekModel::ConfigureItem>& listItem) {
+    const std::string strPath = SystemFile_GetRealPath(ConfigPath());
+    if (strPath.empty()) {
+        return false;
+    }
     pugi::xml_document document;
-    if (!document.load_file(SystemFile_GetRealPath(ConfigPath()).c_str())) {
+    const pugi::xml_parse_result result = document.load_file(strPath.c_str());
+    if (result.status == pugi::status_out_of_memory) {
+        // Not what the file says, so the list of before is still the best one.
+        throw std::bad_alloc();
+    }
+    if (!result) {
         return false;
     }
     const pugi::xml_node nodeRoot = document.child("root_wideseek");
@@ -79,13 +89,15 @@ bool CWideseekModel::GetEnableCfgList(WideseekCfgListData* pList) const {
     if (pList == nullptr) {
         return false;
     }
+    std::list<WideseekCfgItemData> listEnabled;
     const CLock lock(m_csItem);
     for (const ConfigureItem& item : m_listItem) {
         if (!item.bEnable) {
             break;
         }
-        pList->listItem.push_back({item.strIdName, item.strDisplayName});
+        listEnabled.push_back({item.strIdName, item.strDisplayName});
     }
+    pList->listItem.splice(pList->listItem.end(), listEnabled);
     return true;
 }
 

@@ -41,7 +41,7 @@ public:
         static bool Compare(const ConfigureItem& a, const ConfigureItem& b);
     };
 
-    // Reads the file.
+    // Reads the file. Throws std::bad_alloc without memory.
     CWideseekModel();
     ~CWideseekModel();
 
@@ -49,10 +49,11 @@ public:
     CWideseekModel& operator=(const CWideseekModel&) = delete;
 
     // Reads the file again in place of what was read before. False when it is missing, malformed or without items; the
-    // model is empty then.
+    // model is empty then. Throws std::bad_alloc without memory; what was read before stays then.
     bool ReloadConfigure();
 
-    // Appends the sources that take part to pList, in order. False when pList is null.
+    // Appends the sources that take part to pList, in order. False when pList is null. Throws std::bad_alloc without
+    // memory; nothing is appended then.
     bool GetEnableCfgList(WideseekCfgListData* pList) const;
 
 private:

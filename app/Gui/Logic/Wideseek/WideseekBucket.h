@@ -1,0 +1,46 @@
+// What a search holds of one source: its bucket, with one row per number. Plain data.
+#pragma once
+
+#include <list>
+#include <string>
+
+namespace NS_WS {
+
+// One candidate row: a contact's name and the number that this row stands for.
+struct ItemData {
+    std::string strName;
+    std::string strNumber;
+    std::string strNumber2; // the same contact's other numbers
+    std::string strNumber3;
+    std::string strNameKey; // the name in keypad digits, matched by digit keys
+    std::string strExtra1;  // passed through to the caller
+    std::string strExtra2;
+    int iExtra = -1;
+
+    ItemData() = default;
+    ItemData(const std::string& strTheName, const std::string& strTheNumber)
+        : strName(strTheName), strNumber(strTheNumber) {}
+
+    // By name, then by number, byte by byte; nothing else takes part. This order is the duplicate rule.
+    bool operator<(const ItemData& other) const;
+
+    // Neither name nor number: such a row is never shown.
+    bool IsBlank() const { return strName.empty() && strNumber.empty(); }
+};
+
+enum ResultState {
+    RESULT_STATE_NONE = -1,
+    RESULT_STATE_DONE = 0,      // answered; the rows are final. Only these buckets are shown
+    RESULT_STATE_PENDING = 2,   // not asked yet
+    RESULT_STATE_SEARCHING = 3, // asked, not answered
+    RESULT_STATE_FAILED = 4,    // its rows are not shown
+};
+
+// The rows of one source, in the order in which it offered them.
+struct ResultData {
+    std::list<ItemData> listItem;
+    std::string strType; // source id
+    int iState = RESULT_STATE_NONE;
+};
+
+} // namespace NS_WS

@@ -1,0 +1,84 @@
+#include "host/contacts/PresenceFile.h"
+
+#include "host/contacts/BuddyFile.h"
+
+#include <utility>
+
+namespace host {
+
+namespace {
+
+// What the search makes of a buddy: the name and the first three numbers.
+DirectorySearchData asContact(const PresenceInfo& buddy) {
+    DirectorySearchData contact;
+    contact.strName = buddy.strName;
+    std::string* const numbers[] = {&contact.strNumber1, &contact.strNumber2, &contact.strNumber3};
+    std::size_t count = 0;
+    for (const Attribute& attribute : buddy.listAttr) {
+        if (attribute.iType == ATTRIBUTE_TYPE_PHONE && count < std::size(numbers)) {
+            *numbers[count++] = attribute.strValue;
+        }
+    }
+    return contact;
+}
+
+} // namespace
+
+PresenceFile::PresenceFile(std::filesystem::path path, ProblemSink problemSink)
+    : m_problemSink(std::move(problemSink)), m_file(std::move(path), m_problemSink, &PresenceFile::read) {
+}
+
+ReloadedFile<PresenceFile::Buddies>::Made PresenceFile::read(std::string_view bytes, const std::string& file) {
+    const auto buddies = std::make_shared<Buddies>();
+    BuddyFile read = readBuddies(bytes, file, [&](const PresenceInfo& buddy) -> std::string {
+        if (!buddies->positions.emplace(buddy.iContactId, buddies->infos.size()).second) {
+            return "the id " + std::to_string(buddy.iContactId) + " is taken by an entry before it";
+        }
+        buddies->infos.add(buddy);
+        buddies->index.add(asContact(buddy));
+        return {};
+    });
+    if (!read.error.empty()) {
+        return {nullptr, {}, std::move(read.error)};
+    }
+    return {buddies, std::move(read.problems), {}};
+}
+
+std::shared_ptr<const PresenceFile::Buddies> PresenceFile::current() {
+    std::string error;
+    auto buddies = m_file.current(error);
+    if (!buddies && m_problemSink) {
+        m_problemSink(error);
+    }
+    return buddies;
+}
+
+bool PresenceFile::GetListByGroupId(ContactBuddyListData* pList, int&, int, const std::string& strKey, AttrType) {
+    const auto buddies = current();
+    if (!buddies || !pList) {
+        return false;
+    }
+    ContactIndex::Search search(buddies->index, strKey);
+    while (const auto position = search.next()) {
+        pList->listContactId.push_back(buddies->infos.idAt(*position));
+    }
+    return true;
+}
+
+int PresenceFile::GetContactDetail(PresenceInfo& info, PresenceType, int) {
+    auto buddies = m_file.lastRead();
+    if (!buddies) {
+        buddies = current();
+    }
+    if (!buddies) {
+        return 0;
+    }
+    const auto at = buddies->positions.find(info.iContactId);
+    if (at == buddies->positions.end()) {
+        return 0;
+    }
+    info = buddies->infos.at(at->second);
+    return 1;
+}
+
+} // namespace host

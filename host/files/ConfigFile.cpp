@@ -1,0 +1,128 @@
+#include "host/files/ConfigFile.h"
+
+#include <algorithm>
+#include <charconv>
+#include <ini.h>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+namespace host {
+
+namespace {
+
+std::optional<int> toInteger(const std::optional<std::string>& text) {
+    if (!text || text->empty()) {
+        return std::nullopt;
+    }
+    const char* begin = text->data() + (text->front() == '+' ? 1 : 0);
+    const char* end = text->data() + text->size();
+    int number = 0;
+    const auto [last, error] = std::from_chars(begin, end, number);
+    return error == std::errc() && last == end ? std::optional(number) : std::nullopt;
+}
+
+// Gives the INI reader its lines, as fgets would, and knows which one it is at.
+struct LineReader {
+    std::string_view rest;
+    const std::string& file;
+    int line = 0;
+    bool indented = false;
+    std::vector<std::string> problems;
+
+    void report(const std::string& reason) { problems.push_back(file + ":" + std::to_string(line) + ": " + reason); }
+
+    static char* next(char* buffer, int size, void* stream) {
+        auto& self = *static_cast<LineReader*>(stream);
+        if (self.rest.empty()) {
+            return nullptr;
+        }
+        std::string_view text = self.rest.substr(0, self.rest.find('\n'));
+        self.rest.remove_prefix(std::min(text.size() + 1, self.rest.size()));
+        ++self.line;
+        self.indented = text.starts_with(' ') || text.starts_with('\t');
+        if (text.size() >= static_cast<std::size_t>(size)) {
+            self.report("is skipped: it is longer than " + std::to_string(size - 1) +
+                        " characters; let the value go on in an indented line");
+            text = {};
+        }
+        *std::copy(text.begin(), text.end(), buffer) = '\0';
+        return buffer;
+    }
+};
+
+} // namespace
+
+ConfigFile::ConfigFile(std::filesystem::path path, ProblemSink problemSink)
+    : m_path(std::move(path)), m_problemSink(std::move(problemSink)), m_file(m_path, m_problemSink, &ConfigFile::read) {
+}
+
+ReloadedFile<ConfigFile::Keys>::Made ConfigFile::read(std::string_view bytes, const std::string& file) {
+    const auto keys = std::make_shared<Keys>();
+    LineReader lines{.rest = bytes, .file = file, .line = 0, .indented = false, .problems = {}};
+    const auto store = [](void* user, const char* section, const char* key, const char* text) {
+        const auto& [into, from] = *static_cast<std::pair<Keys*, LineReader*>*>(user);
+        const auto [known, isNew] = (*into)[key].emplace(section, text);
+        if (!isNew && from->indented) {
+            known->second += text;
+        } else if (!isNew) {
+            from->report("sets " + std::string(key) + " again; keep one of the lines");
+        }
+        return 1;
+    };
+    std::pair<Keys*, LineReader*> user(keys.get(), &lines);
+    if (const int line = ini_parse_stream(&LineReader::next, &lines, store, &user); line > 0) {
+        lines.line = line;
+        lines.report("is skipped; write [section], key = value, or a comment after \";\"");
+    }
+    return {.content = keys, .problems = std::move(lines.problems), .error = {}};
+}
+
+std::shared_ptr<const ConfigFile::Keys> ConfigFile::keys() {
+    std::string error;
+    auto keys = m_file.current(error);
+    std::error_code ignored;
+    if (!keys && std::filesystem::exists(m_path, ignored) && m_problemSink) {
+        m_problemSink(error);
+    }
+    return keys ? keys : std::make_shared<Keys>();
+}
+
+std::optional<std::string> ConfigFile::value(std::string_view key) {
+    const auto all = keys();
+    const auto known = all->find(key);
+    if (known == all->end()) {
+        return std::nullopt;
+    }
+    const auto& [section, text] = *known->second.begin();
+    for (const auto& [other, otherText] : known->second) {
+        if (otherText != text) {
+            if (m_problemSink) {
+                m_problemSink(m_path.string() + ": " + std::string(key) + " has different values in [" + section +
+                              "] and [" + other + "]; keep one of them");
+            }
+            return std::nullopt;
+        }
+    }
+    return text;
+}
+
+std::optional<std::string> ConfigFile::value(std::string_view section, std::string_view key) {
+    const auto all = keys();
+    const auto known = all->find(key);
+    if (known == all->end()) {
+        return std::nullopt;
+    }
+    const auto at = known->second.find(section);
+    return at == known->second.end() ? std::nullopt : std::optional(at->second);
+}
+
+std::optional<int> ConfigFile::integer(std::string_view key) {
+    return toInteger(value(key));
+}
+
+std::optional<int> ConfigFile::integer(std::string_view section, std::string_view key) {
+    return toInteger(value(section, key));
+}
+
+} // namespace host

@@ -1,0 +1,26 @@
+// Looks for settings that nobody knows: misspelt names, whose values would be passed over without a word.
+//
+//     const KnownSettings known = {{"features", {"FeaturesRecentCallEnable"}}, {"ldap", {"mode", "url"}}};
+//     const SettingsCheck check = checkSettings(bytes, "phone.ini", known);
+//     // "phone.ini:4: start_tls is no setting of [ldap]; did you mean starttls?"
+#pragma once
+
+#include <map>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace host {
+
+using KnownSettings = std::map<std::string, std::vector<std::string>, std::less<>>; // the keys of each section
+
+struct SettingsCheck {
+    std::vector<std::string> problems; // "file:line: reason; what to do"
+    std::set<std::string> doubtful;    // the known sections that a misspelt setting was probably meant for
+};
+
+// bytes: an INI file as ConfigFile.h reads it; file: what the problems call it. Any thread.
+SettingsCheck checkSettings(std::string_view bytes, const std::string& file, const KnownSettings& known);
+
+} // namespace host

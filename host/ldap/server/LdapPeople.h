@@ -1,0 +1,69 @@
+// The rows of one LDAP answer, collected from the people that the directory sends.
+//
+// Every number of a person gives a row. A number filter finds more than the key, since anything may stand between the
+// digits; what does not hold the key once the number is in dialable form is dropped here. What a person or the answer
+// has beyond the limits is left out and counted, so that no server decides how much memory an answer takes. The work
+// grows with the bytes that are received and with nothing else. Used by one thread.
+#pragma once
+
+#include "host/ldap/server/ServerLdap.h"
+
+#include <cstddef>
+#include <functional>
+#include <list>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+namespace host {
+
+class LdapPeople {
+public:
+    // A person as received: the values of the name attributes and of the number attributes, both in the order in which
+    // the attributes are preferred.
+    struct Person {
+        std::vector<std::string_view> names;
+        std::vector<std::string_view> numbers;
+    };
+
+    // numberKey: the digits that one of a person's numbers must hold; empty: every person counts. limit: how many
+    // people are taken; 0: as many as the other limits allow. goOn is called again and again while a person is taken,
+    // and may throw to end that.
+    LdapPeople(std::string numberKey, std::size_t limit, const LdapLimits& limits, std::function<void()> goOn);
+
+    // Takes a person. False: a limit of the answer is reached, so nobody further can be taken.
+    bool add(const Person& person);
+
+    std::list<NS_TA::LdapResultItem> takeRows();
+
+    // What is missing in the rows and the setting that decides about it, one text each, for people. serverCut: the
+    // server has more people than it sent.
+    std::vector<std::string> leftOut(bool serverCut) const;
+
+private:
+    using Numbers = std::vector<const std::string*>;
+
+    Numbers dialableNumbers(const std::vector<std::string_view>& written, std::unordered_set<std::string>& memory);
+    std::string_view usableName(const std::vector<std::string_view>& names);
+    bool addRow(std::string_view name, const std::string& number);
+
+    const std::string m_numberKey;
+    const std::size_t m_limit;
+    const LdapLimits m_limits;
+    const std::function<void()> m_goOn;
+    std::list<NS_TA::LdapResultItem> m_rows;
+    std::size_t m_taken = 0;
+    std::size_t m_bytes = 0; // of names and numbers in the rows
+
+    bool m_peopleCut = false;
+    bool m_rowsCut = false;
+    bool m_bytesCut = false;
+    std::size_t m_nameless = 0;
+    std::size_t m_longNamed = 0;
+    std::size_t m_numberless = 0;
+    std::size_t m_longNumbers = 0;
+    std::size_t m_crowded = 0; // people with more numbers than are taken
+};
+
+} // namespace host

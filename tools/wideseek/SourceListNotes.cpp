@@ -1,0 +1,18 @@
+#include "tools/wideseek/SourceListNotes.h"
+
+#include "tools/wideseek/check/SourceListCheck.h"
+
+namespace wideseek {
+
+std::vector<std::string> SourceListNotes::take() {
+    std::string ignored;
+    const auto stamp = host::stampOf(m_path, ignored);
+    if (m_told && stamp == m_stamp) {
+        return {};
+    }
+    m_told = true;
+    m_stamp = stamp;
+    return warningsOf(explainSourceList(m_path));
+}
+
+} // namespace wideseek

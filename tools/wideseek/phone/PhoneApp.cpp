@@ -1,0 +1,376 @@
+#include "tools/wideseek/phone/PhoneApp.h"
+
+#include "app/Gui/Logic/Wideseek/modWideseek.h"
+#include "platform/CommonAPI.h"
+#include "tools/wideseek/Interrupt.h"
+#include "tools/wideseek/PhoneArguments.h"
+#include "tools/wideseek/phone/PhoneScreens.h"
+
+#include <array>
+#include <ctime>
+#include <stdexcept>
+#include <utility>
+
+namespace wideseek {
+
+namespace {
+
+// Keys that act on rows wait for them no longer than this.
+constexpr auto longestWait = std::chrono::seconds(1);
+
+constexpr int wheelRows = 3;
+
+std::string timeOfDay() {
+    const std::time_t now = std::time(nullptr);
+    std::tm local = {};
+    localtime_r(&now, &local);
+    std::array<char, 32> text{};
+    return {text.data(), std::strftime(text.data(), text.size(), "%a %d %b %H:%M", &local)};
+}
+
+std::optional<LineEdit> editOf(Key key) {
+    switch (key) {
+    case Key::left:
+        return LineEdit::left;
+    case Key::right:
+        return LineEdit::right;
+    case Key::toBegin:
+        return LineEdit::toBegin;
+    case Key::toEnd:
+        return LineEdit::toEnd;
+    case Key::eraseBefore:
+        return LineEdit::eraseBefore;
+    case Key::eraseAfter:
+        return LineEdit::eraseAfter;
+    case Key::eraseWord:
+        return LineEdit::eraseWord;
+    case Key::eraseToBegin:
+        return LineEdit::eraseToBegin;
+    case Key::eraseToEnd:
+        return LineEdit::eraseToEnd;
+    default:
+        return std::nullopt;
+    }
+}
+
+double millisecondsSince(std::chrono::steady_clock::time_point time) {
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - time).count();
+}
+
+} // namespace
+
+PhoneApp::PhoneApp(const host::PhoneOptions& options)
+    : m_terminal(std::in_place), m_root(options.root.string()), m_sourceList(sourceListOf(options.root)),
+      m_phone(options) {
+    m_phone.setTrace(&m_watch);
+    m_phone.watchSourceList();
+    m_model.setHeight(rowsOnScreen());
+    attach();
+}
+
+PhoneApp::~PhoneApp() {
+    m_terminal.reset();
+    detach();
+}
+
+std::vector<std::string> PhoneApp::run() {
+    while (!m_leaving && !interruptedBy()) {
+        search();
+        collectProblems();
+        paint();
+        wait();
+        serveInputs();
+    }
+    m_terminal.reset();
+    return m_problems.all();
+}
+
+void PhoneApp::serveInputs() {
+    while (!m_inputs.empty() && !m_leaving) {
+        if (mustWait(m_inputs.front().key)) {
+            search();
+            if (Clock::now() < m_asked + longestWait) {
+                return;
+            }
+        }
+        const Input input = std::move(m_inputs.front());
+        m_inputs.pop_front();
+        handle(input);
+    }
+}
+
+// Keys that act on rows are served once the rows of what was typed before them are here.
+bool PhoneApp::mustWait(Key key) const {
+    if (m_text) {
+        return false;
+    }
+    switch (key) {
+    case Key::up:
+    case Key::down:
+    case Key::pageUp:
+    case Key::pageDown:
+    case Key::first:
+    case Key::last:
+    case Key::wheelUp:
+    case Key::wheelDown:
+        return m_model.isAwaitingPage();
+    case Key::enter:
+    case Key::details:
+    case Key::copy:
+        return !m_model.isSettled();
+    default:
+        return false;
+    }
+}
+
+void PhoneApp::handle(const Input& input) {
+    switch (input.key) {
+    case Key::leave:
+        m_leaving = true;
+        break;
+    case Key::suspend:
+        m_terminal->suspend();
+        break;
+    case Key::redraw:
+        repaint();
+        break;
+    case Key::resize:
+        m_model.setHeight(rowsOnScreen());
+        break;
+    default:
+        m_status.message.clear();
+        if (m_text) {
+            handleOnText(input);
+        } else {
+            handleOnSearch(input);
+        }
+    }
+}
+
+void PhoneApp::handleOnSearch(const Input& input) {
+    if (const auto edit = editOf(input.key)) {
+        m_model.edit(*edit);
+        return;
+    }
+    switch (input.key) {
+    case Key::character:
+        m_model.type(input.text);
+        break;
+    case Key::escape:
+        m_model.clear();
+        break;
+    case Key::enter:
+        dial();
+        break;
+    case Key::up:
+    case Key::down:
+        m_model.moveBy(input.key == Key::up ? -1 : 1);
+        break;
+    case Key::pageUp:
+    case Key::pageDown:
+        m_model.moveByPages(input.key == Key::pageUp ? -1 : 1);
+        break;
+    case Key::wheelUp:
+    case Key::wheelDown:
+        m_model.moveBy(input.key == Key::wheelUp ? -wheelRows : wheelRows);
+        break;
+    case Key::first:
+        m_model.moveToFirst();
+        break;
+    case Key::last:
+        m_model.moveToLast();
+        break;
+    case Key::click:
+        pointAt(input.line);
+        break;
+    case Key::doubleClick:
+        if (m_model.selected() && m_model.line() == rowOnLine(input.line)) {
+            dial();
+        }
+        break;
+    case Key::help:
+        openText(helpScreen());
+        break;
+    case Key::entry:
+        m_model.switchEntry();
+        break;
+    case Key::details:
+        openText(detailsScreen());
+        break;
+    case Key::copy:
+        copy();
+        break;
+    default:
+        break;
+    }
+}
+
+void PhoneApp::handleOnText(const Input& input) {
+    constexpr int page = 8;
+    switch (input.key) {
+    case Key::up:
+    case Key::down:
+        m_text->top += input.key == Key::up ? -1 : 1;
+        break;
+    case Key::pageUp:
+    case Key::pageDown:
+        m_text->top += input.key == Key::pageUp ? -page : page;
+        break;
+    case Key::wheelUp:
+    case Key::wheelDown:
+        m_text->top += input.key == Key::wheelUp ? -wheelRows : wheelRows;
+        break;
+    case Key::click:
+    case Key::doubleClick:
+        break;
+    case Key::character:
+        closeText();
+        handleOnSearch(input);
+        break;
+    default:
+        closeText();
+    }
+}
+
+void PhoneApp::openText(TextScreen text) {
+    m_text = std::move(text);
+    detach();
+}
+
+void PhoneApp::closeText() {
+    m_text.reset();
+    attach();
+    m_model.comeBack();
+}
+
+void PhoneApp::attach() {
+    m_screen.emplace([this](const WideseekListData& page) { takePage(page); });
+}
+
+void PhoneApp::detach() {
+    if (m_screen) {
+        Wideseek_ResetCallBack(&*m_screen);
+        m_screen.reset();
+    }
+}
+
+void PhoneApp::search() {
+    if (!m_screen) {
+        return;
+    }
+    if (const auto request = m_model.takeRequest()) {
+        m_asked = Clock::now();
+        m_answered = false;
+        if (!m_model.hasPage()) {
+            m_keyAsked = m_asked;
+            m_status.lateTime.reset();
+        }
+        if (!Wideseek_SearchUnion(request->key, request->from, request->count, &*m_screen)) {
+            throw std::runtime_error("the search library did not take the key; it has no memory left");
+        }
+    }
+}
+
+void PhoneApp::takePage(const WideseekListData& page) {
+    const bool awaited = !m_model.isSettled();
+    if (!m_model.takePage(page)) {
+        return;
+    }
+    m_changed = true;
+    if (m_answered) {
+        m_status.lateTime = millisecondsSince(m_keyAsked);
+    } else if (awaited) {
+        m_status.pageTime = millisecondsSince(m_asked);
+    }
+    m_answered = true;
+}
+
+// The rows may be those of the key before, which nobody means any more.
+void PhoneApp::pointAt(int line) {
+    const int row = rowOnLine(line);
+    if (m_model.isSettled() && row >= 0 && row < static_cast<int>(m_model.rows().size())) {
+        m_model.moveBy(row - m_model.line());
+    }
+}
+
+// If nothing matches. Empty: what was typed is no number.
+std::string PhoneApp::typedNumber() const {
+    const bool isNumber = CommonAPI_IsSearchByT9(CommonAPI_StringConvert(m_model.key(), STRING_CONVERT_SEARCH_KEY));
+    return isNumber && m_model.isSettled() ? m_model.key() : std::string();
+}
+
+void PhoneApp::copy() {
+    const WideseekItemData* row = m_model.selected();
+    const std::string number = row ? row->strNumber : typedNumber();
+    if (number.empty()) {
+        m_status.message = "There is no number to copy.";
+        return;
+    }
+    m_terminal->copy(number);
+    m_status.message = "Handed " + number + " to the terminal's clipboard";
+}
+
+void PhoneApp::dial() {
+    std::string name;
+    std::string number = typedNumber();
+    if (const WideseekItemData* row = m_model.selected()) {
+        name = row->strName == row->strNumber ? std::string() : row->strName;
+        number = row->strNumber;
+    }
+    if (number.empty()) {
+        m_status.message = "There is no number to dial.";
+        return;
+    }
+    m_phone.addOutgoingCall({name, number, timeOfDay()});
+    m_status.message = "Would dial " + number + (name.empty() ? "" : " (" + name + ")");
+    if (m_model.isRecent()) {
+        m_model.startOver();
+    }
+}
+
+// The newest problem is shown until the next key.
+void PhoneApp::collectProblems() {
+    std::vector<std::string> seen = m_phone.problems(m_phoneProblems);
+    m_phoneProblems += seen.size();
+    for (std::string& note : m_sourceList.take()) {
+        seen.push_back(std::move(note));
+    }
+    for (const SourceTrace& source : m_watch.lastSearch()) {
+        if (!source.problem.empty()) {
+            seen.push_back(source.problem);
+        }
+    }
+    for (const std::string& problem : seen) {
+        if (m_problems.add(problem)) {
+            const bool ofPhone = problem.starts_with(m_root + "/");
+            m_status.message = std::string(problemPrefix) + problem.substr(ofPhone ? m_root.size() + 1 : 0);
+        }
+    }
+}
+
+TextScreen PhoneApp::detailsScreen() const {
+    return wideseek::detailsScreen(m_model.selected(), m_watch.lastSearch(), m_problems.all());
+}
+
+void PhoneApp::paint() {
+    if (m_text) {
+        paintText(*m_text);
+    } else {
+        paintSearch(m_model, m_status);
+    }
+}
+
+// Until there is something to do.
+void PhoneApp::wait() {
+    const std::size_t unserved = m_inputs.size();
+    const bool ldapAsked = m_status.ldapAsked = m_watch.isLdapAsked();
+    const auto isAwaited = [&] {
+        m_terminal->read(m_inputs);
+        return m_changed || m_inputs.size() > unserved || interruptedBy() || m_watch.isLdapAsked() != ldapAsked;
+    };
+    m_phone.kernel().serveMain(isAwaited, unserved > 0 ? host::Duration(longestWait) : std::chrono::hours(1));
+    m_changed = false;
+    m_status.ldapAsked = m_watch.isLdapAsked();
+}
+
+} // namespace wideseek

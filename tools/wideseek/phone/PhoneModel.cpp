@@ -1,0 +1,214 @@
+#include "tools/wideseek/phone/PhoneModel.h"
+
+#include "platform/CommonAPI.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace wideseek {
+
+namespace {
+
+// The library hands out recent calls by ten, whatever count it is asked for.
+constexpr int recentCount = 10;
+
+std::string searched(const std::string& key) {
+    return CommonAPI_StringConvert(key, STRING_CONVERT_SEARCH_KEY);
+}
+
+} // namespace
+
+void PhoneModel::setHeight(int rows) {
+    m_height = std::max(1, rows);
+    if (hasPage() && !m_followed) {
+        const int selected = m_top + m_line;
+        const int lowest = std::max(0, total() - pageHeight());
+        place(selected, std::clamp(selected - std::min(m_line, pageHeight() - 1), 0, lowest));
+        show();
+    }
+}
+
+void PhoneModel::type(std::string_view character) {
+    const std::string digit = m_digits ? CommonUnits_ToKeyString(std::string(character)) : std::string();
+    if (m_typed.insert(digit.empty() ? character : digit)) {
+        startOver();
+    }
+}
+
+void PhoneModel::edit(LineEdit edit) {
+    if (m_typed.apply(edit)) {
+        startOver();
+    }
+}
+
+void PhoneModel::clear() {
+    m_typed.clear();
+    startOver();
+}
+
+void PhoneModel::startOver() {
+    m_top = 0;
+    m_line = 0;
+    m_asked.reset();
+    m_known = Known::nothing;
+    m_followed.reset();
+}
+
+bool PhoneModel::isRecent() const {
+    return searched(key()).empty();
+}
+
+void PhoneModel::moveBy(int rows) {
+    m_followed.reset();
+    const int selected = std::clamp(m_top + m_line + rows, 0, std::max(0, total() - 1));
+    place(selected, std::clamp(m_top, selected - pageHeight() + 1, selected));
+    show();
+}
+
+void PhoneModel::moveByPages(int pages) {
+    m_followed.reset();
+    const int by = pages * pageHeight();
+    const int lowest = std::max(0, total() - pageHeight());
+    place(m_top + m_line + by, std::clamp(m_top + by, 0, lowest));
+    show();
+}
+
+void PhoneModel::moveToFirst() {
+    m_followed.reset();
+    place(0, 0);
+    show();
+}
+
+void PhoneModel::moveToLast() {
+    m_followed.reset();
+    place(total() - 1, std::max(0, total() - pageHeight()));
+    show();
+}
+
+std::optional<PhoneModel::Request> PhoneModel::takeRequest() {
+    if (!m_asked) {
+        m_asked = {key(), 0, isRecent() ? recentCount : pageHeight()};
+        return m_asked;
+    }
+    if (!hasPage() || (m_known == Known::enough && covers(m_asked->from, m_asked->count))) {
+        return std::nullopt;
+    }
+    m_known = Known::enough;
+    m_asked = windowWanted();
+    return m_asked;
+}
+
+void PhoneModel::comeBack() {
+    if (hasPage()) {
+        m_known = Known::something;
+    } else {
+        m_asked.reset();
+    }
+}
+
+bool PhoneModel::takePage(const WideseekListData& page) {
+    if (!m_asked || page.iFromIndex != m_asked->from || page.iSearchCount != m_asked->count ||
+        (page.strKey != key() && page.strKey != searched(key()))) {
+        return false;
+    }
+    const WideseekItemData* cursor = m_followed ? &m_followed->row : selected();
+    const std::optional<WideseekItemData> kept = cursor ? std::optional(*cursor) : std::nullopt;
+    // A page that is full may have been sent before all sources were asked: its total is not the last word.
+    const bool mayBeCut = !hasPage() && !isRecent() && page.iTotalCount >= m_asked->count;
+    const int growth = hasPage() ? std::abs(page.iTotalCount - m_page.total) : 0;
+    m_page = {page.iFromIndex, page.iSearchCount, page.iTotalCount, {page.listItem.begin(), page.listItem.end()}};
+    m_known = mayBeCut || m_known == Known::something ? Known::something : Known::enough;
+    if (kept) {
+        follow(*kept, growth);
+    } else {
+        place(m_top + m_line, m_top);
+    }
+    show();
+    return true;
+}
+
+bool PhoneModel::isAwaitingPage() const {
+    return m_known != Known::enough || !m_asked || m_asked->from != m_page.from || m_asked->count != m_page.count;
+}
+
+bool PhoneModel::isSettled() const {
+    return hasPage() && !m_followed && covers(m_page.from, m_page.count);
+}
+
+const WideseekItemData* PhoneModel::selected() const {
+    const auto line = static_cast<std::size_t>(m_line);
+    return isSettled() && line < m_shown.size() ? &m_shown[line] : nullptr;
+}
+
+int PhoneModel::pageHeight() const {
+    return isRecent() ? std::min(m_height, recentCount) : m_height;
+}
+
+bool PhoneModel::covers(int from, int count) const {
+    return from <= m_top && std::min(m_top + pageHeight(), total()) <= from + count;
+}
+
+// A page before and a page behind the one that is shown, so that the next step of the cursor need not wait.
+PhoneModel::Request PhoneModel::windowWanted() const {
+    if (isRecent()) {
+        return {key(), m_top, recentCount};
+    }
+    const int before = pageHeight() + (m_followed ? m_followed->reach : 0);
+    return {key(), std::max(0, m_top - before), pageHeight() + 2 * before};
+}
+
+// The index of row in the page; of several, the one nearest to the cursor.
+std::optional<int> PhoneModel::find(const WideseekItemData& row) const {
+    std::optional<int> nearest;
+    const auto distance = [&](int index) { return std::abs(index - m_top - m_line); };
+    for (int i = 0; i < static_cast<int>(m_page.rows.size()); ++i) {
+        const WideseekItemData& other = m_page.rows[static_cast<std::size_t>(i)];
+        const int index = m_page.from + i;
+        if (other.strName == row.strName && other.strNumber == row.strNumber &&
+            (!nearest || distance(index) < distance(*nearest))) {
+            nearest = index;
+        }
+    }
+    return nearest;
+}
+
+void PhoneModel::follow(const WideseekItemData& row, int growth) {
+    const bool searching = m_followed.has_value();
+    const std::optional<int> index = find(row);
+    m_followed.reset();
+    if (index) {
+        place(*index, std::max(0, *index - m_line));
+        if (!covers(m_page.from, m_page.count)) {
+            m_followed = Followed{row};
+        }
+    } else if (!searching) {
+        m_followed = Followed{row, growth};
+        m_known = Known::something;
+    } else {
+        place(m_top + m_line, m_top);
+    }
+}
+
+// Puts the cursor on a row, as far as there is one, and top into the first line.
+void PhoneModel::place(int selected, int top) {
+    if (!hasPage()) {
+        return;
+    }
+    const int row = std::clamp(selected, 0, std::max(0, total() - 1));
+    m_top = std::clamp(top, 0, row);
+    m_line = row - m_top;
+}
+
+void PhoneModel::show() {
+    if (!isSettled()) {
+        return;
+    }
+    const auto size = static_cast<std::ptrdiff_t>(m_page.rows.size());
+    const auto begin = std::min<std::ptrdiff_t>(m_top - m_page.from, size);
+    const auto end = std::min<std::ptrdiff_t>(begin + pageHeight(), size);
+    m_shown.assign(m_page.rows.begin() + begin, m_page.rows.begin() + end);
+    m_shownKey = searched(key());
+    m_shownTop = m_top;
+}
+
+} // namespace wideseek

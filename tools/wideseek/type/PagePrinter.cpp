@@ -1,0 +1,90 @@
+#include "tools/wideseek/type/PagePrinter.h"
+
+#include "tools/wideseek/JsonLine.h"
+#include "tools/wideseek/Text.h"
+
+#include <unistd.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <sstream>
+
+namespace wideseek {
+
+namespace {
+
+std::string rangeOf(const WideseekListData& data) {
+    const std::string total = std::to_string(data.iTotalCount);
+    if (data.listItem.empty()) {
+        return "no rows of " + total;
+    }
+    const long long first = static_cast<long long>(data.iFromIndex) + 1;
+    const long long last = data.iFromIndex + static_cast<long long>(data.listItem.size());
+    return "rows " + std::to_string(first) + "-" + std::to_string(last) + " of " + total;
+}
+
+std::string titleOf(const Page& page) {
+    std::ostringstream title;
+    title << "Request " << page.request + 1 << ", ";
+    if (page.data.strKey.empty()) {
+        title << "empty key: ";
+    } else {
+        title << "key \"" << printable(page.data.strKey) << "\": ";
+    }
+    title << (page.late ? "late page" : "first page") << " after " << withOneDecimal(page.milliseconds) << " ms, "
+          << rangeOf(page.data) << " (from " << page.data.iFromIndex << ", count " << page.data.iSearchCount << ")";
+    return title.str();
+}
+
+// What only some sources pass through, presence for example.
+std::string furtherExtraOf(const WideseekItemData& row) {
+    std::string extra = row.strExtra1;
+    if (row.iExtra != -1) {
+        extra += (extra.empty() ? "" : ", ") + std::to_string(row.iExtra);
+    }
+    return extra.empty() ? extra : "[" + extra + "]";
+}
+
+} // namespace
+
+void printPageTitle(std::ostream& out, const Page& page, bool bold) {
+    out << (bold ? "\033[1m" : "") << titleOf(page) << (bold ? "\033[0m" : "") << '\n';
+}
+
+void printPage(std::ostream& out, const Page& page, bool bold) {
+    printPageTitle(out, page, bold);
+    Table table({Table::Align::right, Table::Align::left, Table::Align::left, Table::Align::left, Table::Align::left});
+    long long number = page.data.iFromIndex;
+    for (const WideseekItemData& row : page.data.listItem) {
+        table.add({std::to_string(++number), row.strName, row.strNumber, row.strExtra2, furtherExtraOf(row)});
+    }
+    table.print(out, 2);
+    out << '\n';
+}
+
+void printPageJson(std::ostream& out, const Page& page) {
+    Json rows = Json::array();
+    for (const WideseekItemData& row : page.data.listItem) {
+        rows.push_back({{"name", row.strName},
+                        {"number", row.strNumber},
+                        {"extra1", row.strExtra1},
+                        {"extra2", row.strExtra2},
+                        {"extra", row.iExtra}});
+    }
+    const Json object = {{"request", page.request + 1},
+                         {"key", page.data.strKey},
+                         {"from", page.data.iFromIndex},
+                         {"count", page.data.iSearchCount},
+                         {"total", page.data.iTotalCount},
+                         {"late", page.late},
+                         {"ms", std::round(page.milliseconds * 1000.0) / 1000.0},
+                         {"rows", rows}};
+    printJsonLine(out, object);
+}
+
+bool isBoldWelcome() {
+    const char* objection = std::getenv("NO_COLOR");
+    return isatty(STDOUT_FILENO) && !(objection && *objection);
+}
+
+} // namespace wideseek

@@ -1,0 +1,92 @@
+// A phone with its search screen, typed into from the command line.
+//
+// It uses the library as a screen does, through the exported functions: made at start-up, asked at every key, detached
+// and released at the end. All of it belongs to one thread, which is the phone's main thread while it waits in here.
+//
+//     Session session(options, [](const Page& page) { printPage(std::cout, page); });
+//     session.type("5", 0, 10);
+//     session.settle();
+#pragma once
+
+#include "host/Phone.h"
+#include "tools/wideseek/Library.h"
+#include "tools/wideseek/Screen.h"
+#include "tools/wideseek/SourceListNotes.h"
+#include "tools/wideseek/type/TraceLog.h"
+
+#include <chrono>
+#include <functional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace wideseek {
+
+// A page as it arrived.
+struct Page {
+    std::size_t request = 0;   // from 0
+    bool late = false;         // its request has had a page before
+    double milliseconds = 0.0; // from just before the request was handed over
+    WideseekListData data;
+};
+
+enum class Outcome {
+    page,        // its first page came
+    noPage,      // the search has ended without a page: what was asked for is refused
+    silence,     // nothing came in time
+    interrupted, // the user wants to end
+};
+
+class Session {
+public:
+    using PageHandler = std::function<void(const Page& page)>;
+
+    // Starts the phone and the library; onPage is called while one of the operations below waits. Problems of the
+    // phone's files and of its sources are written to the standard error output as they turn up, each once. Throws
+    // std::runtime_error when the library cannot be started.
+    Session(host::PhoneOptions options, PageHandler onPage);
+    ~Session();
+
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    // Hands key over and waits for its first page. Throws std::runtime_error when the library does not take it.
+    Outcome type(const std::string& key, int from, int count);
+
+    // Goes on taking pages for this long, or until the user interrupts.
+    void pause(std::chrono::milliseconds time);
+
+    // Waits until every source has answered and every page is here. False: given up after a while, or interrupted.
+    bool settle();
+
+    // The total that the last page of each request reported; -1 without a page.
+    const std::vector<int>& totals() const { return m_totals; }
+
+    const TraceLog& trace() const { return m_trace; }
+
+private:
+    struct Request {
+        std::chrono::steady_clock::time_point handedOver;
+        std::size_t pages = 0;
+    };
+
+    void takePage(const WideseekListData& data);
+    bool isSettled();
+    void reportProblems();
+    void reportOnce(const std::string& problem, const std::string& where);
+
+    TraceLog m_trace; // outlives the phone, which reports to it
+    PageHandler m_onPage;
+    SourceListNotes m_sourceList;
+    host::Phone m_phone;
+    Library m_library;
+    Screen m_screen;
+    std::vector<Request> m_requests;
+    std::vector<int> m_totals;
+    std::size_t m_pages = 0;
+    std::set<std::string> m_reported; // problems
+    std::size_t m_phoneProblems = 0;  // how many of the phone's have been reported
+    std::size_t m_sourceProblems = 0; // and of its sources'
+};
+
+} // namespace wideseek
