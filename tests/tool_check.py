@@ -131,6 +131,23 @@ start = time.monotonic()
 piped = type_keys("5").stderr
 expect(b"error: is not a file; put a regular file there" in piped and time.monotonic() - start < 10, f"a pipe: {piped}")
 
+# A new phone works at once, with the contacts that are put into it and the files that were there; nothing is lost.
+made = ROOT / "made"
+(made / "config/contacts").mkdir(parents=True)
+(made / "config/contacts/remote_directory.csv").write_text("name,number\nRemy,5301\n")
+new = run("init", made)
+expect(new.returncode == 0 and b"remote_directory.csv  (was there" in new.stdout, f"a new phone: {new}")
+checked = run("check", "--root", made)
+expect(checked.returncode == 0 and b"warning" not in checked.stdout, f"a new phone's source list: {checked}")
+with open(made / "config/contacts/local_directory.csv", "a") as contacts:
+    contacts.write("Zoë,53\n")
+found = type_keys("--json", "53", root=made)
+expect(names(json.loads(found.stdout)) == ["Zoë", "Remy"] and not found.stderr, f"on a new phone: {found}")
+again = run("init", made)
+expect(again.returncode == 1 and b"holds a phone already" in again.stderr, f"made twice: {again}")
+expect(run("init", "/dev/null/no").stderr.startswith(b"wideseek: /dev/null/no/config/contacts: cannot be made (Not a dir"),
+       "a folder that cannot be made")
+
 start = time.monotonic()
 demo = run("demo")
 expect(demo.returncode == 0 and not demo.stderr, f"the demonstration: {demo}")

@@ -2,6 +2,7 @@
 
 #include "tools/wideseek/ExitCode.h"
 #include "tools/wideseek/check/CheckCommand.h"
+#include "tools/wideseek/init/InitCommand.h"
 #include "tools/wideseek/phone/PhoneCommand.h"
 #include "tools/wideseek/type/DemoCommand.h"
 #include "tools/wideseek/type/TypeCommand.h"
@@ -38,6 +39,10 @@ reports it as it was searched), from, count, total, late, ms and rows; each row 
 extra. With --trace, one more line per request follows at the end, {"trace": {...}}.
 
 Exit code: 0 every key got its page, 1 something failed, 2 usage error.)";
+
+constexpr const char* initFooter = R"(
+Makes the files of a phone in DIR, each with a word on what belongs into it, and switches on those sources whose
+files are there. What is in DIR stays as it is: contact files that you have put into DIR/config/contacts are used.)";
 
 constexpr const char* checkFooter = R"(
 Prints the sources in the order in which a phone with this file asks and lists them, then those that it does not ask,
@@ -125,6 +130,14 @@ void addCheck(CLI::App& parser, CheckArguments& arguments) {
     parser.footer(checkFooter);
 }
 
+void addInit(CLI::App& parser, InitArguments& arguments) {
+    parser.add_option("DIR", arguments.folder, "The folder; it need not be there")
+        ->option_text(" ")
+        ->required()
+        ->transform(asTyped());
+    parser.footer(initFooter);
+}
+
 // What a newcomer can type on, or watch.
 std::string defaultCommand() {
     return isatty(STDIN_FILENO) && isatty(STDOUT_FILENO) ? "phone" : "demo";
@@ -157,6 +170,10 @@ std::variant<Command, int> readCommandLine(int argc, char** argv) {
         application.add_subcommand("check", "Explain a source list (wideseek.xml) and warn of mistakes in it");
     addCheck(*checkParser, check);
 
+    InitArguments init;
+    CLI::App* initParser = application.add_subcommand("init", "Make a phone's folder for contacts of your own");
+    addInit(*initParser, init);
+
     try {
         application.parse(argc > 1 ? markedArguments(argc, argv) : std::vector{defaultCommand()});
     } catch (const CLI::ParseError& error) {
@@ -170,6 +187,9 @@ std::variant<Command, int> readCommandLine(int argc, char** argv) {
     }
     if (typeParser->parsed()) {
         return Command([type] { return typeKeys(type); });
+    }
+    if (initParser->parsed()) {
+        return Command([init] { return makePhone(init); });
     }
     return Command([check] { return checkFile(check); });
 }

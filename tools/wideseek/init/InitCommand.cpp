@@ -1,0 +1,83 @@
+#include "tools/wideseek/init/InitCommand.h"
+
+#include "tools/wideseek/ExitCode.h"
+#include "tools/wideseek/PhoneArguments.h"
+#include "tools/wideseek/Text.h"
+#include "tools/wideseek/init/PhoneFiles.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <stdexcept>
+#include <system_error>
+
+namespace wideseek {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::runtime_error cannotWrite(const fs::path& path, const std::error_code& error) {
+    return std::runtime_error(printable(path.string()) + ": cannot be made (" + error.message() +
+                              "); name a folder that you may write to");
+}
+
+void makeFolder(const fs::path& folder) {
+    std::error_code error;
+    fs::create_directories(folder, error);
+    if (error) {
+        throw cannotWrite(folder, error);
+    }
+}
+
+// False: the file is there already, and stays as it is.
+bool makeFile(const fs::path& path, std::string_view content) {
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "wxe"), &std::fclose);
+    if (!file && errno == EEXIST) {
+        return false;
+    }
+    if (!file || std::fwrite(content.data(), 1, content.size(), file.get()) != content.size() ||
+        std::fflush(file.get()) != 0) {
+        throw cannotWrite(path, {errno, std::generic_category()});
+    }
+    return true;
+}
+
+void tell(const fs::path& file, bool isNew) {
+    std::cout << "  " << printable(file.string()) << (isNew ? "" : "  (was there, is as it was)") << '\n';
+}
+
+} // namespace
+
+int makePhone(const InitArguments& arguments) {
+    const fs::path root(arguments.folder);
+    const std::string shown = printable(root.string());
+    const fs::path list = sourceListOf(root);
+    std::error_code error;
+    if (fs::exists(list, error)) {
+        throw std::runtime_error(shown + " holds a phone already, which is as it was; name another folder, or remove " +
+                                 printable(list.string()) + " to have the list of its sources made anew");
+    }
+    const fs::path contacts = root / "config/contacts";
+    const fs::path settings = list.parent_path() / "phone.ini";
+    makeFolder(contacts);
+    makeFolder(list.parent_path());
+    std::cout << "A phone in " << shown << ":\n";
+    for (const SourceFile& source : sourceFiles) {
+        const fs::path file = contacts / source.file;
+        if (!source.content.empty() || fs::exists(file, error)) {
+            tell(file, makeFile(file, source.content));
+        }
+    }
+    tell(settings, makeFile(settings, newSettings));
+    // Last, as it makes the folder a phone.
+    makeFile(list, newSourceList([&](const char* file) { return fs::exists(contacts / file, error); }));
+    tell(list, true);
+    std::cout << "Put your contacts into " << printable((contacts / sourceFiles[0].file).string())
+              << ", then search them:\n  wideseek phone --root " << shown << '\n';
+    return exitCode::success;
+}
+
+} // namespace wideseek

@@ -1,0 +1,16 @@
+// wideseek init: makes a phone's root folder that works at once.
+#pragma once
+
+#include <string>
+
+namespace wideseek {
+
+struct InitArguments {
+    std::string folder; // need not be there; what is in it stays as it is
+};
+
+// Gives the exit code. Throws std::runtime_error, with what to do, when the folder holds a phone already or cannot be
+// written to.
+int makePhone(const InitArguments& arguments);
+
+} // namespace wideseek
