@@ -38,6 +38,7 @@
 #include <map>
 #include <memory>
 #include <thread>
+#include <tuple>
 #include <unordered_map>
 
 namespace {
@@ -107,6 +108,20 @@ void typeAll(const std::vector<Session>& sessions, std::vector<Contestant>& cont
     }
 }
 
+// Where a result goes on behind its page, which rows come first is each search's own matter: the library keeps the
+// order of a session's first key.
+bool isSameResult(Page one, Page other) {
+    if (one.total != other.total || one.rows.size() != one.total) {
+        return one.total == other.total;
+    }
+    const auto byRow = [](const Row& a, const Row& b) {
+        return std::tie(a.name, a.number) < std::tie(b.name, b.number);
+    };
+    std::sort(one.rows.begin(), one.rows.end(), byRow);
+    std::sort(other.rows.begin(), other.rows.end(), byRow);
+    return one.rows == other.rows;
+}
+
 // Types the first sessions once more, each key twice: its second page is cut when every source has answered, and counts
 // all rows. Gives the number of keys that another search answered differently; the first of them is told.
 std::size_t differences(LivePhone& phone, const std::vector<Session>& sessions,
@@ -121,10 +136,10 @@ std::size_t differences(LivePhone& phone, const std::vector<Session>& sessions,
             const Page page = phone.page();
             for (const Contestant& other : contestants) {
                 // The library's own first pages count the rows of the sources that were asked by then.
-                if (other.search.get() != &phone && other.answers[at].page != page && ++count == 1) {
+                if (other.search.get() != &phone && !isSameResult(page, other.answers[at].page) && ++count == 1) {
                     std::cerr << "session_bench: for \"" << key << "\", " << other.name << " finds "
                               << other.answers[at].page.total << " rows, the library " << page.total
-                              << ", or other ones first\n";
+                              << ", or other ones\n";
                 }
             }
             ++at;

@@ -9,6 +9,7 @@
 #include "host/files/SettingsCheck.h"
 #include "host/ldap/EmbeddedLdap.h"
 #include "host/ldap/server/ServerLdap.h"
+#include "host/text/NumberForm.h"
 
 #include <iterator>
 #include <set>
@@ -58,7 +59,9 @@ std::shared_ptr<LdapDirectory> serverLdap(const std::shared_ptr<PhoneCore>& core
 
 // Reports the settings that nobody knows, and gives the sections that some of them were probably meant for.
 std::set<std::string> reportUnknownSettings(PhoneCore& core) {
-    KnownSettings known = {{"features", {"FeaturesRecentCallEnable"}}, {"ldap", {"mode", "delay_ms"}}};
+    KnownSettings known = {{"features", {"FeaturesRecentCallEnable"}},
+                           {"dialling", {"country_code", "trunk_prefix", "international_prefix"}},
+                           {"ldap", {"mode", "delay_ms"}}};
     known["ldap"].insert(known["ldap"].end(), std::begin(serverLdapKeys), std::end(serverLdapKeys));
     std::string error;
     const auto text = readFile(core.configFile.path(), error);
@@ -67,6 +70,17 @@ std::set<std::string> reportUnknownSettings(PhoneCore& core) {
         core.addProblem(problem);
     }
     return check.doubtful;
+}
+
+// How the section [dialling] of the configuration says that numbers are dialled; as they are when it cannot be used.
+text::DiallingRules configuredDialling(PhoneCore& core) {
+    const auto value = [&core](const char* key) { return core.configFile.value("dialling", key).value_or(""); };
+    text::DiallingRules rules{value("country_code"), value("trunk_prefix"), value("international_prefix")};
+    if (const std::string problem = text::problemOf(rules); !problem.empty()) {
+        core.addProblem(core.configFile.path().string() + ": [dialling] " + problem);
+        return {};
+    }
+    return rules;
 }
 
 // The directory that the section [ldap] of the configuration describes; none when it cannot be used.
@@ -97,6 +111,7 @@ std::shared_ptr<LdapDirectory> configuredLdap(const std::shared_ptr<PhoneCore>& 
 
 Phone::Phone(PhoneOptions options) : m_core(std::make_shared<PhoneCore>(std::move(options))) {
     setCurrentPhone(m_core);
+    text::setDiallingRules(m_core->options.contactFiles ? configuredDialling(*m_core) : text::DiallingRules());
     if (m_core->options.contactFiles) {
         openContactFiles();
     }

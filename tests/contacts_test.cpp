@@ -3,6 +3,10 @@
 #include "host/contacts/ContactFile.h"
 #include "host/contacts/ContactIndex.h"
 #include "host/contacts/FileDirectory.h"
+#include "host/text/Key.h"
+#include "host/text/MatchedPart.h"
+#include "host/text/NameForm.h"
+#include "host/text/NumberForm.h"
 #include "platform/CommonAPI.h"
 #include "tests/support/SteppedPhone.h"
 
@@ -10,6 +14,7 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <atomic>
 #include <fstream>
 #include <limits>
@@ -36,8 +41,8 @@ Strings shown(const OxList<DirectorySearchData>& hits) {
 
 // Names and numbers short enough to hit often, with bytes that a blob of many could be confused by.
 std::string randomField(std::mt19937& random) {
-    static const Strings pieces{"a", "b",    "A",    "é",   "4",  "2",  "+", " ",
-                                "-", "\xFF", "\xC3", "\0"s, "４", "ab", "*", "李"};
+    static const Strings pieces{"a",    "b",    "A",   "é",  "4",  "2", "+",  " ", "-",
+                                "\xFF", "\xC3", "\0"s, "４", "ab", "*", "李", "ö"};
     std::string field;
     for (auto count = random() % 5; count > 0; --count) {
         field += pieces[random() % pieces.size()];
@@ -58,9 +63,40 @@ bool narrowingKeeps(const DirectorySearchData& contact, const std::string& key) 
            matches(number(contact.strNumber3)) || matches(CommonUnits_ToKeyString(contact.strName));
 }
 
-TEST(ContactIndex, FindsWhatTheRuleForOneContactAndNarrowingFindInTheirOrder) {
+// Whether every word of the key, or the key of digits, begins a word of the name or a number.
+bool isBetter(const DirectorySearchData& contact, const std::string& key) {
+    const host::MatchKey made(key);
+    std::vector<std::string> beginnings; // all texts that a word or number begins
+    const auto add = [&](const std::string& text, auto append) {
+        for (std::string_view rest = text; !rest.empty(); host::text::takeWord(rest)) {
+            append(rest, beginnings.emplace_back());
+        }
+    };
+    if (made.digits) {
+        for (const std::string* number : {&contact.strNumber1, &contact.strNumber2, &contact.strNumber3}) {
+            std::string forms;
+            host::text::appendNumberForms(*number, forms);
+            beginnings.push_back(forms);
+            for (std::size_t at = forms.size(); at > 1; --at) {
+                if (forms[at - 2] == host::text::formSeparator) {
+                    beginnings.push_back(forms.substr(at - 1));
+                }
+            }
+        }
+    }
+    for (const std::string& way : {contact.strName, host::text::spelledOut(contact.strName)}) {
+        add(way, made.digits ? host::text::appendKeypadForm : host::text::appendCompact);
+    }
+    return std::all_of(made.words.begin(), made.words.end(), [&](const std::string& word) {
+        return std::any_of(beginnings.begin(), beginnings.end(),
+                           [&](const std::string& beginning) { return beginning.starts_with(word); });
+    });
+}
+
+TEST(ContactIndex, FindsWhatTheRuleForOneContactAndNarrowingFindBetterMatchesFirst) {
     std::mt19937 random(5);
-    std::size_t found = 0;
+    std::size_t better = 0;
+    std::size_t others = 0;
     for (int round = 0; round < 2'000; ++round) {
         std::vector<DirectorySearchData> contacts(round % 400 == 0 ? 3'000 : random() % 12);
         for (DirectorySearchData& contact : contacts) {
@@ -71,21 +107,67 @@ TEST(ContactIndex, FindsWhatTheRuleForOneContactAndNarrowingFindInTheirOrder) {
         for (int i = 0; i < 20; ++i) {
             const std::string key = CommonAPI_StringConvert(randomField(random), STRING_CONVERT_SEARCH_KEY);
             Strings expected;
+            Strings inside;
             for (const DirectorySearchData& contact : contacts) {
                 const bool kept = narrowingKeeps(contact, key);
                 ASSERT_EQ(host::matches(contact, host::MatchKey(key)), kept)
                     << testing::PrintToString(shown(contact)) << testing::PrintToString(key);
                 if (kept) {
-                    expected.push_back(shown(contact));
+                    (isBetter(contact, key) ? expected : inside).push_back(shown(contact));
                 }
             }
+            better += key.empty() ? 0 : expected.size();
+            others += inside.size();
+            expected.insert(expected.end(), inside.begin(), inside.end());
             OxList<DirectorySearchData> hits;
             index.appendMatches(key, hits);
             ASSERT_EQ(shown(hits), expected) << testing::PrintToString(key);
-            found += key.empty() ? 0 : expected.size();
         }
     }
-    EXPECT_GT(found, 30'000U);
+    EXPECT_GT(better, 10'000U);
+    EXPECT_GT(others, 10'000U);
+}
+
+// With the country's own rules a number is found in every way in which people type it, by whoever looks for it.
+TEST(ContactIndex, FindsANumberOfTheOwnCountryHoweverItIsStoredAndTyped) {
+    host::text::setDiallingRules({"44", "0", "00"});
+    const struct {
+        std::string key, number, marked;
+    } cases[] = {
+        {"020 7946 0041", "+442079460041", "[+442079460041]"},
+        {"+44 20 7946 0041", "02079460041", "[02079460041]"},
+        {"0044 20", "02079460041", "[020]79460041"},
+        {"0044 20", "00442079460041", "[004420]79460041"},
+        {"44 20", "00442079460041", "00[4420]79460041"},
+        {"020", "+442079460041", "[+4420]79460041"},
+        {"79460", "+442079460041", "+4420[79460]041"},
+        {"0", "+44797971111", "[+44]797971111"},
+        {"004", "+44797971111", "[+44]797971111"},
+        {"0", "+33797971111", ""}, // another country's
+        {"0033", "+33797971111", ""},
+        {"020", "4420", ""}, // an extension
+        {"044", "0033445566", ""},
+        {"44", "0033556677", ""},
+    };
+    for (const auto& [typed, number, marked] : cases) {
+        const std::string key = CommonAPI_StringConvert(typed, STRING_CONVERT_SEARCH_KEY);
+        const DirectorySearchData contact{"Gigi", number, "", "", ""}; // whose keypad form begins with 44
+        std::string shownAs;
+        for (const auto& part : host::text::matchedInNumber(number, key)) {
+            shownAs = number;
+            shownAs.insert(part.begin + part.size, "]").insert(part.begin, "[");
+        }
+        EXPECT_EQ(shownAs, marked) << typed << " / " << number;
+        const bool inName = key == "44";
+        const bool found = !marked.empty() || inName;
+        EXPECT_EQ(narrowingKeeps(contact, key), found) << typed << " / " << number;
+        EXPECT_EQ(host::matches(contact, host::MatchKey(key)), found) << typed << " / " << number;
+        OxList<DirectorySearchData> hits;
+        host::ContactIndex({&contact, 1}).appendMatches(key, hits);
+        EXPECT_EQ(hits.Count() == 1, found) << typed << " / " << number;
+    }
+    host::text::setDiallingRules({});
+    EXPECT_TRUE(host::text::matchedInNumber("+442079460041", "020").empty());
 }
 
 TEST(ContactFiles, KeepEveryContactThatCanBeReadAndNameTheLineOfEveryOther) {

@@ -1,11 +1,13 @@
 // The phone's string helpers: conversion of keys, matching, keypad forms and page bounds.
 #include "host/text/Fold.h"
 #include "host/text/MatchedPart.h"
+#include "host/text/NameForm.h"
 #include "host/text/Utf8.h"
 #include "platform/CommonAPI.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <limits>
 #include <random>
 
@@ -91,39 +93,87 @@ TEST(KeyConversion, FoldsCaseAndWidthTrimsBlanksAndKeepsOnlyTheDigitsOfPlainNumb
 
 TEST(KeypadForm, HasADigitForEachLetterAndLeavesOutWhatHasNoKey) {
     for (const auto& [name, form] : Pairs{
-             {"abcdefghijklmnopqrstuvwxyz", "22233344455566677778889999"},
-             {"Élodie O'Ñandú-Łukasz", "356343662638585279"},
-             {"Große Ｆirma №４ #3*", "47677334762664#3*"},
-             {"Иван 李\xFF\0b"s, "2"},
+             {"abcdefghijklmnopqrstuvwxyz", "22233344455566677778889999 "},
+             {"Élodie O'Ñandú-Łukasz", "356343662638585279 "},
+             {"Große Ｆirma №４ #3*", "47677334762664#3* "},
+             {"Bo\u0308ll Ås", "265527 26355227 "},
+             {"Иван 李\xFF\0b"s, "2 "},
          }) {
         EXPECT_EQ(CommonUnits_ToKeyString(name), form) << name;
     }
 }
 
-TEST(Matching, IgnoresCaseAccentsAndWidthWhereverTheKeyStands) {
-    const struct {
-        std::string text, key;
-        bool found;
-    } cases[] = {
-        {"Ann", "", true},
-        {"Hanna Berg", "ann", true},
-        {"Bergmann Hanna-BERG", "berg", true},
-        {"eleven char@k", "ar`k", false},
-        {"Ｊosé García", "jose g", true},
-        {"Jose Garcia", "garcía", true},
-        {"Straße", "strass", true},
-        {"é Søren", "soren", true},
-        {"éann", "ann", true},
-        {"李小龙", "小", true},
+// Whether a text key finds a name, and what of it stands out: here it stands in brackets.
+TEST(Matching, FindsTheWordsOfTextAnywhereInANamePastWhatCountsForNothing) {
+    const auto marked = [](std::string name, const std::vector<host::text::Part>& parts) {
+        for (auto part = parts.rbegin(); part != parts.rend(); ++part) {
+            name.insert(part->begin + part->size, "]").insert(part->begin, "[");
+        }
+        return name;
     };
-    for (const auto& [text, key, found] : cases) {
-        EXPECT_EQ(contains(text, key), found) << text << " / " << key;
+    for (const auto& [key, name] : Pairs{
+             // case, accents and width
+             {"ann", "H[ann]a Berg"},
+             {"berg", "[Berg]mann Hanna-BERG"},
+             {"berg", "Hamberger [BERG]"}, // rather where a word begins
+             {"ar`k", "eleven ch[ark]"},
+             {"jose g", "[Ｊosé] [G]arcía"},
+             {"garcía", "Jose [Garcia]"},
+             {"strass", "[Straß]e"},
+             {"jos", "[Jos]e\u0301"},
+             {"jose", "Dr. [Jose\u0301]"},
+             {"小", "李[小]龙"},
+             // words in any order
+             {"marlowe jed", "[Jed] [Marlowe]"},
+             {"Smith, John", "[John] [Smith]"},
+             {"ann neil", "[Ann]-Marie O'[Neil]"},
+             {"an anna", "[Anna]"},
+             {"ann bo", "Ann"},
+             // what counts for nothing
+             {"oneil", "[O'Neil]"},
+             {"o’neil", "[ONeil]"},
+             {"o'neil", "[O’Neil]"},
+             {"annmarie", "[Ann-Marie] O'Neil"},
+             {"eon", "Mari[e O'N]eil"},
+             {"vanderlee", "[van der Lee]"},
+             {"dr. no", "[Dr] [No]"},
+             {"a(b)", "[A.B]."},
+             {"-", "Ann"},
+             // both spellings
+             {"mueller", "[Müller]"},
+             {"muller", "[MÜLLER]"},
+             {"müller", "[Muller]"},
+             {"muell", "[Mu\u0308ll]er"},
+             {"joerg muller", "[Jörg] [Müller]"},
+             {"soren", "é [Søren]"},
+             {"soeren", "[Søren]"},
+             {"aas", "[Ås]"},
+             {"aebler", "[Æbler]"},
+             {"ue", "Muller"},
+             // digits are the letters that they stand for
+             {"5336", "[Jed M]arlowe"},
+             {"3556", "Garð[éłłó]"},
+             {"266627", "[Ann-Mar]ie"},
+             {"685537", "[Müller]"},
+             {"6835537", "[Müller]"},
+             {"x", "Ann"},
+         }) {
+        std::string plain = name;
+        std::erase_if(plain, [](char byte) { return byte == '[' || byte == ']'; });
+        const std::string converted = convert(key);
+        EXPECT_EQ(marked(plain, host::text::matchedInName(plain, converted)), name) << key;
+        EXPECT_EQ(nameMatches(plain, converted), plain != name || key == "-") << key << " / " << plain;
     }
+    const auto inNumber = [&](const std::string& key) {
+        return marked("+442079", host::text::matchedInNumber("+442079", key));
+    };
+    EXPECT_EQ(inNumber("4207"), "+4[4207]9");
+    EXPECT_EQ(inNumber("a"), "+442079");
 }
 
 // Of a few characters, or so few that keys of any length are found in it, and nearly found.
 std::string plainText(std::mt19937& random, std::size_t atMost) {
-    const std::string_view characters = random() % 2 == 0 ? "aA@`" : "aA@`bcdefghZ12345678";
+    const std::string_view characters = random() % 2 == 0 ? "aA@` " : "aA@`bc,de-fg'hZ12345678";
     std::string text;
     for (auto count = random() % (atMost + 1); count > 0; --count) {
         text += characters[random() % characters.size()];
@@ -131,7 +181,18 @@ std::string plainText(std::mt19937& random, std::size_t atMost) {
     return text;
 }
 
-TEST(Matching, AgreesWithALookThroughTheFoldedText) {
+// As a field is matched that is brought into its forms, character by character.
+bool inForms(const std::string& field, const std::string& key) {
+    if (CommonAPI_IsSearchByT9(key)) {
+        return host::text::folded(field).find(key) != std::string::npos;
+    }
+    std::string forms;
+    host::text::appendNameForms(field, forms);
+    const Strings words = host::text::keyWords(key);
+    return std::all_of(words.begin(), words.end(), [&](const auto& word) { return forms.find(word) != forms.npos; });
+}
+
+TEST(Matching, AgreesWithALookThroughTheForms) {
     std::mt19937 random(2);
     int found = 0;
     for (int i = 0; i < 200'000; ++i) {
@@ -143,12 +204,17 @@ TEST(Matching, AgreesWithALookThroughTheFoldedText) {
                                        : text.substr(random() % (text.size() + 1), random() % 20);
         // A key is made ready for the fields behind the first; the one after it differs from it in a byte.
         for (const bool again : {false, true, false, true}) {
-            const bool expected = host::text::folded(text).find(host::text::folded(key)) != std::string::npos;
+            const bool expected = inForms(text, key);
             found += expected ? 1 : 0;
             ASSERT_EQ(contains(text, key), expected)
                 << testing::PrintToString(text) << testing::PrintToString(key) << again;
             if (again && !key.empty()) {
                 key[random() % key.size()] = 'a';
+            }
+            if (!CommonAPI_IsSearchByT9(key)) {
+                const bool marked = !host::text::matchedInName(text, key).empty();
+                ASSERT_EQ(marked, inForms(text, key) && !host::text::keyWords(key).empty())
+                    << testing::PrintToString(text) << testing::PrintToString(key);
             }
         }
     }
@@ -171,42 +237,6 @@ TEST(Matching, OfALongerKeyImpliesThatOfItsBeginning) {
         }
     }
     EXPECT_GT(narrowed, 1'000) << "too few keys that turn from digits into text";
-}
-
-// What a name is found for stands out, and nothing does that no key has found: here it stands in brackets.
-TEST(Matching, NamesThePartThatWasFound) {
-    const auto marked = [](std::string text, const std::optional<host::text::Part>& part) {
-        return part ? text.insert(part->begin + part->size, "]").insert(part->begin, "[") : text;
-    };
-    for (const auto& [key, name] : Pairs{
-             {"5336", "[Jed M]arlowe"},
-             {"marl", "Jed [Marl]owe"},
-             {"3556", "Garð[éłłó]"},
-             {"jose", "Dr. [Jose\u0301]"},
-             {"jos", "[Jos]e\u0301"},
-             {"ss m", "Vo[ß M]itte"},
-             {"s", "Gro[ß]e"},
-             {"龙", "李小[龙]"},
-             {"266627", "[Ann-Mar]ie"},
-             {"x", "Ann"},
-             {"", "Ann"},
-         }) {
-        std::string plain = name;
-        std::erase_if(plain, [](char byte) { return byte == '[' || byte == ']'; });
-        EXPECT_EQ(marked(plain, host::text::matchedInName(plain, key)), name) << key;
-    }
-    EXPECT_EQ(marked("+442079", host::text::matchedInNumber("+442079", "4207")), "+4[4207]9");
-    EXPECT_EQ(marked("5a", host::text::matchedInNumber("5a", "a")), "5a");
-
-    // It agrees with what is found.
-    std::mt19937 random(7);
-    for (int i = 0; i < 50'000; ++i) {
-        const std::string name = randomText(random, false) + randomText(random, false);
-        const std::string key = convert(randomText(random, false));
-        const bool folds = !host::text::folded(key).empty();
-        ASSERT_EQ(host::text::matchedInName(name, key).has_value(), folds && nameMatches(name, key))
-            << testing::PrintToString(name) << testing::PrintToString(key);
-    }
 }
 
 TEST(PageBounds, NeverPassTheLargestIndexAndStayAsTheyAreForNegativeNumbers) {

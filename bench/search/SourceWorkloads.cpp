@@ -18,12 +18,14 @@ void SourceSearch::run() {
     m_hits = hits.Count();
 }
 
-MemoryScan::MemoryScan(std::size_t contacts, std::string key) : m_key(std::move(key)) {
+MemoryScan::MemoryScan(std::size_t contacts, const std::string& key) {
+    const host::MatchKey made(key);
+    m_word = made.words.front();
     for (const DirectorySearchData& person : makePeople(contacts)) {
-        if (host::MatchKey(m_key).digits) {
+        if (made.digits) {
             host::appendDigitForms(person, m_bytes);
         } else {
-            host::appendNameForm(person, m_bytes);
+            host::appendNameForms(person, m_bytes);
         }
     }
 }
@@ -32,7 +34,7 @@ void MemoryScan::run() {
     m_places = 0;
     const char* at = m_bytes.data();
     const char* const end = at + m_bytes.size();
-    while (const void* found = memmem(at, static_cast<std::size_t>(end - at), m_key.data(), m_key.size())) {
+    while (const void* found = memmem(at, static_cast<std::size_t>(end - at), m_word.data(), m_word.size())) {
         ++m_places;
         at = static_cast<const char*>(found) + 1;
     }

@@ -20,16 +20,17 @@ private:
     std::size_t m_hits = 0;
 };
 
-// Finds every place of the key in what the index is searched in, one contact's forms behind the other's.
+// Finds every place of the key, or of its first word, in what the index is searched in, one contact's forms behind the
+// other's.
 class MemoryScan : public Workload {
 public:
-    MemoryScan(std::size_t contacts, std::string key);
+    MemoryScan(std::size_t contacts, const std::string& key);
     void run() override;
     std::size_t rows() const override { return m_places; }
 
 private:
     std::string m_bytes;
-    std::string m_key;
+    std::string m_word;
     std::size_t m_places = 0;
 };
 

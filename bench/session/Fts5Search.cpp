@@ -1,13 +1,15 @@
 #include "bench/session/Fts5Search.h"
 
-#include "host/text/Fold.h"
+#include "host/contacts/ContactMatch.h"
 #include "host/text/Key.h"
+#include "host/text/NameForm.h"
 #include "host/text/Utf8.h"
 
 #include <sqlite3.h>
 
 #include <stdexcept>
 #include <string_view>
+#include <vector>
 
 namespace bench {
 
@@ -23,7 +25,7 @@ void bind(sqlite3_stmt* statement, int place, std::string_view text) {
     sqlite3_bind_text(statement, place, text.data(), static_cast<int>(text.size()), SQLITE_TRANSIENT);
 }
 
-std::string column(sqlite3_stmt* statement, int index) {
+std::string textAt(sqlite3_stmt* statement, int index) {
     const unsigned char* const text = sqlite3_column_text(statement, index);
     return text ? reinterpret_cast<const char*>(text) : "";
 }
@@ -37,14 +39,14 @@ bool hasTrigram(std::string_view text) {
     return characters == trigram;
 }
 
-// The numbers without "+", and the keypad form of the name. A line break is part of no key of digits.
-std::string digitForms(const DirectorySearchData& contact, const std::string& foldedName) {
+// The numbers without "+", and the keypad forms of the name. What stands between forms is part of no key.
+std::string digitForms(const DirectorySearchData& contact) {
     std::string forms;
     for (const std::string* number : {&contact.strNumber1, &contact.strNumber2, &contact.strNumber3}) {
         forms += number->starts_with('+') ? number->substr(1) : *number;
-        forms += '\n';
+        forms += host::text::formSeparator;
     }
-    host::text::appendKeypadForm(foldedName, forms);
+    host::text::appendKeypadForms(contact.strName, forms);
     return forms;
 }
 
@@ -79,9 +81,6 @@ Fts5Search::Fts5Search(const Population& population) {
     // Rows that come in the order of the groups need no sorting: short keys, which match most rows, gain a quarter.
     execute("CREATE INDEX by_row ON contact (name, number)");
     execute("ANALYZE");
-    m_likeName = prepare(selectWhere("names LIKE ?"));
-    m_likeDigits = prepare(selectWhere("digits LIKE ?"));
-    m_match = prepare(selectWhere("id IN (SELECT rowid FROM trigrams WHERE trigrams MATCH ?)"));
 }
 
 Fts5Search::~Fts5Search() = default;
@@ -105,8 +104,9 @@ void Fts5Search::fill(const Population& population) {
     execute("BEGIN");
     for (const auto& contacts : population) {
         for (const DirectorySearchData& contact : contacts) {
-            const std::string names = host::text::folded(contact.strName);
-            const std::string digits = digitForms(contact, names);
+            std::string names;
+            host::text::appendNameForms(contact.strName, names);
+            const std::string digits = digitForms(contact);
             for (const std::string* number : {&contact.strNumber1, &contact.strNumber2, &contact.strNumber3}) {
                 if (number->empty()) {
                     continue;
@@ -129,22 +129,44 @@ Took Fts5Search::type(const std::string& key) {
     return timeOfSearch([&] { search(key); });
 }
 
-// Keys are letters, digits and blanks here: nothing in them is special to LIKE.
+// The statement for a key: the index for its longer words, LIKE for each of the others.
+sqlite3_stmt* Fts5Search::statementFor(bool isIndexed, const std::string& column, std::size_t shortWords) {
+    std::string condition = isIndexed ? "id IN (SELECT rowid FROM trigrams WHERE trigrams MATCH ?)" : "true";
+    for (std::size_t i = 0; i < shortWords; ++i) {
+        condition += " AND " + column + " LIKE ?";
+    }
+    Statement& statement = m_statements[condition];
+    if (!statement) {
+        statement = prepare(selectWhere(condition));
+    }
+    return statement.get();
+}
+
+// Keys are letters, digits and blanks here: nothing in their words is special to LIKE.
 void Fts5Search::search(const std::string& typed) {
-    const std::string key = host::text::convertKey(typed);
-    const bool digits = host::text::isKeypadKey(key);
-    const std::string folded = host::text::folded(key);
-    sqlite3_stmt* statement = digits ? m_likeDigits.get() : m_likeName.get();
-    if (hasTrigram(folded)) {
-        statement = m_match.get();
-        bind(statement, 1, (digits ? "digits : \"" : "names : \"") + folded + "\"");
-    } else {
-        bind(statement, 1, "%" + folded + "%");
+    const host::MatchKey key(host::text::convertKey(typed));
+    const std::string column = key.digits ? "digits" : "names";
+    std::string match;
+    std::vector<std::string> patterns;
+    for (const std::string& word : key.words) {
+        if (hasTrigram(word)) {
+            match += (match.empty() ? "" : " AND ") + column + " : \"" + word + "\"";
+        } else {
+            patterns.push_back("%" + word + "%");
+        }
+    }
+    sqlite3_stmt* const statement = statementFor(!match.empty(), column, patterns.size());
+    int place = 0;
+    if (!match.empty()) {
+        bind(statement, ++place, match);
+    }
+    for (const std::string& pattern : patterns) {
+        bind(statement, ++place, pattern);
     }
     m_page = {};
     int code = sqlite3_step(statement);
     for (; code == SQLITE_ROW; code = sqlite3_step(statement)) {
-        m_page.rows.push_back({column(statement, 0), column(statement, 1)});
+        m_page.rows.push_back({textAt(statement, 0), textAt(statement, 1)});
         m_page.total = static_cast<std::size_t>(sqlite3_column_int64(statement, 2));
     }
     if (code != SQLITE_DONE) {

@@ -1,12 +1,14 @@
-// The same contacts in SQLite: a table of all rows in memory with a full text index of trigrams (FTS5) over the folded
-// names and the forms of digits. A key of three characters or more asks the index, a shorter one LIKE. What matches is
-// grouped by name and number, in the order of the sources; total and first page come from one statement.
+// The same contacts in SQLite: a table of all rows in memory with a full text index of trigrams (FTS5) over the forms
+// of names and of digits. Words of three characters or more ask the index, shorter ones LIKE. What matches is grouped
+// by name and number, in the order of the sources; total and first page come from one statement.
 #pragma once
 
 #include "bench/session/KeySearch.h"
 #include "bench/session/Population.h"
 
+#include <map>
 #include <memory>
+#include <string>
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -33,12 +35,11 @@ private:
     void execute(const char* sql);
     Statement prepare(const std::string& sql);
     void fill(const Population& population);
+    sqlite3_stmt* statementFor(bool isIndexed, const std::string& column, std::size_t shortWords);
     void search(const std::string& typed);
 
     std::unique_ptr<sqlite3, Close> m_database;
-    Statement m_likeName;
-    Statement m_likeDigits;
-    Statement m_match;
+    std::map<std::string, Statement> m_statements; // by their conditions
     Page m_page;
 };
 

@@ -24,8 +24,6 @@ struct Row {
 struct Page {
     std::size_t total = 0;
     std::vector<Row> rows;
-
-    bool operator==(const Page&) const = default;
 };
 
 struct Took {

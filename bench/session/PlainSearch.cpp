@@ -1,10 +1,13 @@
 #include "bench/session/PlainSearch.h"
 
-#include "host/text/Fold.h"
 #include "host/text/Key.h"
+#include "host/text/NameForm.h"
 
+#include <algorithm>
 #include <set>
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace bench {
 
@@ -14,29 +17,34 @@ bool contains(std::string_view text, std::string_view key) {
     return text.find(key) != std::string_view::npos;
 }
 
-bool matches(const DirectorySearchData& contact, const std::string& key, bool digits) {
-    if (digits &&
-        (contains(contact.strNumber1, key) || contains(contact.strNumber2, key) || contains(contact.strNumber3, key))) {
+struct Key {
+    bool digits;
+    std::vector<std::string> words;
+};
+
+bool matches(const DirectorySearchData& contact, const Key& key) {
+    if (key.digits && (contains(contact.strNumber1, key.words[0]) || contains(contact.strNumber2, key.words[0]) ||
+                       contains(contact.strNumber3, key.words[0]))) {
         return true;
     }
-    std::string form;
-    if (digits) {
-        host::text::appendKeypadForm(contact.strName, form);
+    std::string forms;
+    if (key.digits) {
+        host::text::appendKeypadForms(contact.strName, forms);
     } else {
-        host::text::appendFolded(contact.strName, form);
+        host::text::appendNameForms(contact.strName, forms);
     }
-    return contains(form, key);
+    return std::all_of(key.words.begin(), key.words.end(), [&](const auto& word) { return contains(forms, word); });
 }
 
 std::list<WideseekItemData> rowsOf(const Population& population, const std::string& typed) {
-    const std::string key = host::text::convertKey(typed);
-    const bool digits = host::text::isKeypadKey(key);
-    const std::string foldedKey = host::text::folded(key);
+    const std::string converted = host::text::convertKey(typed);
+    const bool digits = host::text::isKeypadKey(converted);
+    const Key key{digits, digits ? std::vector{converted} : host::text::keyWords(converted)};
     std::list<WideseekItemData> rows;
     std::set<std::pair<std::string, std::string>> seen;
     for (const auto& contacts : population) {
         for (const DirectorySearchData& contact : contacts) {
-            if (!matches(contact, foldedKey, digits)) {
+            if (!matches(contact, key)) {
                 continue;
             }
             for (const std::string* number : {&contact.strNumber1, &contact.strNumber2, &contact.strNumber3}) {

@@ -3,6 +3,7 @@
 #include "host/contacts/ContactMatch.h"
 #include "host/text/Key.h"
 
+#include <algorithm>
 #include <cstring>
 #include <set>
 #include <utility>
@@ -24,7 +25,7 @@ ScanFloor::ScanFloor(const Population& population) {
             for (const std::string* number : {&contact.strNumber1, &contact.strNumber2, &contact.strNumber3}) {
                 if (!number->empty() && seen.emplace(contact.strName, *number).second) {
                     m_rows.push_back({contact.strName, *number});
-                    host::appendNameForm(contact, m_names.bytes);
+                    host::appendNameForms(contact, m_names.bytes);
                     m_names.ends.push_back(m_names.bytes.size());
                     host::appendDigitForms(contact, m_digits.bytes);
                     m_digits.ends.push_back(m_digits.bytes.size());
@@ -42,11 +43,16 @@ Took ScanFloor::type(const std::string& key) {
 void ScanFloor::search(const std::string& typed) {
     const std::string converted = host::text::convertKey(typed);
     const host::MatchKey key(converted);
-    if (m_lastKey.empty() || !converted.starts_with(m_lastKey)) {
+    const bool isNew = m_lastKey.empty() || !converted.starts_with(m_lastKey);
+    if (isNew) {
         m_found.clear();
-        scan(key.digits ? m_digits : m_names, key.folded);
-    } else if (converted != m_lastKey) {
-        std::erase_if(m_found, [&key](const Found& found) { return !find(found.form, key.folded); });
+        scan(key.digits ? m_digits : m_names, key.words.front());
+    }
+    if (isNew ? key.words.size() > 1 : converted != m_lastKey) {
+        std::erase_if(m_found, [&key](const Found& found) {
+            return !std::all_of(key.words.begin(), key.words.end(),
+                                [&found](const std::string& word) { return find(found.form, word); });
+        });
     }
     m_lastKey = converted;
 }

@@ -1,7 +1,7 @@
 #include "bench/session/Typing.h"
 
+#include "host/text/Key.h"
 #include "host/text/Utf8.h"
-#include "platform/CommonAPI.h"
 
 #include <random>
 #include <string_view>
@@ -39,7 +39,9 @@ std::vector<Session> makeSessions(const Population& population, std::size_t cont
     for (std::size_t i = 0; i < contacts; ++i) {
         const auto& source = population.at(i % sourceCount);
         const DirectorySearchData& contact = source.at(random() % source.size());
-        sessions.push_back(typed(Way::keypad, CommonUnits_ToKeyString(contact.strName)));
+        std::string digits;
+        host::text::appendKeypadForm(contact.strName, digits);
+        sessions.push_back(typed(Way::keypad, digits));
         sessions.push_back(typed(Way::number, numberOf(contact, random())));
         sessions.push_back(typed(Way::text, contact.strName));
     }

@@ -1,6 +1,9 @@
 #include "host/contacts/ContactIndex.h"
 
 #include "host/text/Find.h"
+#include "host/text/Key.h"
+#include "host/text/NameForm.h"
+#include "host/text/NumberForm.h"
 
 #include <algorithm>
 #include <limits>
@@ -21,9 +24,12 @@ void ContactIndex::reserve(std::size_t bytes) {
 }
 
 void ContactIndex::add(const DirectorySearchData& contact) {
-    appendNameForm(contact, m_names.bytes);
+    m_names.addName(contact.strName, text::appendCompact);
     m_names.close();
-    appendDigitForms(contact, m_digits.bytes);
+    for (const std::string* number : {&contact.strNumber1, &contact.strNumber2, &contact.strNumber3}) {
+        m_digits.addNumber(*number);
+    }
+    m_digits.addName(contact.strName, text::appendKeypadForm);
     m_digits.close();
     for (const auto field :
          {&DirectorySearchData::strName, &DirectorySearchData::strNumber1, &DirectorySearchData::strNumber2,
@@ -52,29 +58,86 @@ void ContactIndex::appendMatches(std::string_view key, OxList<DirectorySearchDat
     }
 }
 
-ContactIndex::Search::Search(const ContactIndex& index, std::string_view key) : m_index(index), m_key(key) {
+ContactIndex::Search::Search(const ContactIndex& index, std::string_view key)
+    : m_index(index), m_key(key), m_forms(m_key.digits ? index.m_digits : index.m_names) {
+    const auto shorter = [](const std::string& a, const std::string& b) { return a.size() < b.size(); };
+    const auto longest = std::max_element(m_key.words.begin(), m_key.words.end(), shorter);
+    if (longest != m_key.words.end()) {
+        std::iter_swap(longest, m_key.words.begin());
+    }
 }
 
 std::optional<std::size_t> ContactIndex::Search::next() {
-    if (m_contact >= m_index.size()) {
-        return std::nullopt;
+    if (m_key.words.empty()) {
+        return m_contact < m_index.size() ? std::optional(m_contact++) : std::nullopt;
     }
-    if (m_key.folded.empty()) {
-        return m_contact++;
-    }
-    const Forms& forms = m_key.digits ? m_index.m_digits : m_index.m_names;
-    std::size_t place = text::findBytes(forms.bytes, m_key.folded, forms.begin(m_contact));
-    while (place != std::string::npos) {
-        const std::size_t contact = forms.contactAt(place, m_contact);
-        if (place + m_key.folded.size() < forms.ends[contact]) {
-            m_contact = contact + 1;
-            return contact;
+    while (const auto hit = nextHit()) {
+        if (isWordBegin(*hit)) {
+            return hit->contact;
         }
-        // A key with the separator in it was found across two contacts.
-        place = text::findBytes(forms.bytes, m_key.folded, place + 1);
+        m_inside.push_back(static_cast<std::uint32_t>(hit->contact));
     }
-    m_contact = m_index.size();
+    return m_given < m_inside.size() ? std::optional<std::size_t>(m_inside[m_given++]) : std::nullopt;
+}
+
+// The first word leads from contact to contact; the others are looked for in those that it finds.
+std::optional<ContactIndex::Search::Hit> ContactIndex::Search::nextHit() {
+    const auto found = [this](const std::string& word) { return m_forms.find(word, m_contact) != std::string::npos; };
+    while (m_contact < m_index.size()) {
+        const std::size_t place = text::findBytes(m_forms.bytes, m_key.words.front(), m_forms.begin(m_contact));
+        if (place == std::string::npos) {
+            m_contact = m_index.size();
+            break;
+        }
+        m_contact = m_forms.contactAt(place, m_contact);
+        const bool all = std::all_of(m_key.words.begin() + 1, m_key.words.end(), found);
+        const Hit hit{m_contact++, place};
+        if (all) {
+            return hit;
+        }
+    }
     return std::nullopt;
+}
+
+bool ContactIndex::Search::isWordBegin(const Hit& hit) const {
+    const auto isAtBegin = [&](const std::string& word, std::size_t place) {
+        while (place != std::string::npos && !m_forms.isWordBegin(place)) {
+            place = m_forms.find(word, hit.contact, place + 1);
+        }
+        return place != std::string::npos;
+    };
+    return isAtBegin(m_key.words.front(), hit.place) &&
+           std::all_of(m_key.words.begin() + 1, m_key.words.end(),
+                       [&](const std::string& word) { return isAtBegin(word, m_forms.find(word, hit.contact)); });
+}
+
+void ContactIndex::Forms::markWordBegin() {
+    wordBegins.resize(bytes.size() + 1);
+    wordBegins.back() = true;
+}
+
+void ContactIndex::Forms::addNumber(std::string_view number) {
+    const std::size_t begin = bytes.size();
+    text::appendNumberForms(number, bytes);
+    wordBegins.resize(bytes.size());
+    for (std::size_t at = begin; at < bytes.size(); ++at) {
+        wordBegins[at] = at == begin || bytes[at - 1] == text::formSeparator;
+    }
+}
+
+void ContactIndex::Forms::addName(std::string_view name, Append append) {
+    addForm(name, append);
+    if (const std::string spelled = text::spelledOut(name); !spelled.empty()) {
+        addForm(spelled, append);
+    }
+}
+
+void ContactIndex::Forms::addForm(std::string_view name, Append append) {
+    while (!name.empty()) {
+        markWordBegin();
+        append(text::takeWord(name), bytes);
+    }
+    bytes += text::formSeparator;
 }
 
 void ContactIndex::Forms::close() {
@@ -82,6 +145,10 @@ void ContactIndex::Forms::close() {
         throw std::length_error("too many contacts for one index");
     }
     ends.push_back(static_cast<std::uint32_t>(bytes.size()));
+}
+
+std::size_t ContactIndex::Forms::find(std::string_view word, std::size_t contact, std::size_t from) const {
+    return text::findBytes(std::string_view(bytes).substr(0, ends[contact]), word, std::max(from, begin(contact)));
 }
 
 // Steps of doubling width from contact `from` on: a hit is near where most contacts match, and far where few do.

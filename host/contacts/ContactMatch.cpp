@@ -1,51 +1,42 @@
 #include "host/contacts/ContactMatch.h"
 
 #include "host/text/Find.h"
-#include "host/text/Fold.h"
 #include "host/text/Key.h"
+#include "host/text/NameForm.h"
+#include "host/text/NumberForm.h"
+
+#include <algorithm>
 
 namespace host {
 
-namespace {
-
-void appendNumberForm(std::string_view number, std::string& out) {
-    const std::size_t begin = number.find_first_not_of('+');
-    if (begin != std::string_view::npos) {
-        text::appendFolded(number.substr(begin, number.find_last_not_of('+') - begin + 1), out);
+MatchKey::MatchKey(std::string_view key) : digits(text::isKeypadKey(key)) {
+    if (digits) {
+        words.emplace_back(key);
+    } else {
+        words = text::keyWords(key);
     }
-    out += formSeparator;
 }
 
-} // namespace
-
-MatchKey::MatchKey(std::string_view key) : digits(text::isKeypadKey(key)), folded(text::folded(key)) {
-}
-
-void appendNameForm(const DirectorySearchData& contact, std::string& out) {
-    text::appendFolded(contact.strName, out);
-    out += formSeparator;
+void appendNameForms(const DirectorySearchData& contact, std::string& out) {
+    text::appendNameForms(contact.strName, out);
 }
 
 void appendDigitForms(const DirectorySearchData& contact, std::string& out) {
-    appendNumberForm(contact.strNumber1, out);
-    appendNumberForm(contact.strNumber2, out);
-    appendNumberForm(contact.strNumber3, out);
-    text::appendKeypadForm(contact.strName, out);
-    out += formSeparator;
+    text::appendNumberForms(contact.strNumber1, out);
+    text::appendNumberForms(contact.strNumber2, out);
+    text::appendNumberForms(contact.strNumber3, out);
+    text::appendKeypadForms(contact.strName, out);
 }
 
 bool matches(const DirectorySearchData& contact, const MatchKey& key) {
-    if (key.folded.empty()) {
-        return true;
-    }
     std::string forms;
     if (key.digits) {
         appendDigitForms(contact, forms);
     } else {
-        appendNameForm(contact, forms);
+        appendNameForms(contact, forms);
     }
-    forms.pop_back(); // the last separator is not part of a form
-    return text::findBytes(forms, key.folded, 0) != std::string::npos;
+    const auto found = [&](const std::string& word) { return text::findBytes(forms, word, 0) != std::string::npos; };
+    return std::all_of(key.words.begin(), key.words.end(), found);
 }
 
 } // namespace host

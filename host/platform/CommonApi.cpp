@@ -3,6 +3,7 @@
 
 #include "host/text/FieldMatch.h"
 #include "host/text/Key.h"
+#include "host/text/NameForm.h"
 
 #include <algorithm>
 #include <string_view>
@@ -49,9 +50,9 @@ int CommonAPI_StringMatch(const std::string& strText, const std::string& strKey,
 }
 
 std::string CommonUnits_ToKeyString(const std::string& strName) {
-    std::string form;
-    host::text::appendKeypadForm(strName, form);
-    return form;
+    std::string forms;
+    host::text::appendKeypadForms(strName, forms);
+    return forms;
 }
 
 int CommonAPI_GetFromAndToIndex(int* piFirst, int* piEnd, int iFromIndex, int iSearchCount, int iMaxIndex) {

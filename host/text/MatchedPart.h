@@ -1,13 +1,13 @@
-// Which part of a name or number a key has found, for a screen that shows why a row is there. Pure; any thread.
+// Which parts of a name or number a key has found, for a screen that shows why a row is there. Pure; any thread.
 //
-//     if (const auto part = matchedInName("Jed Marlowe", "5336")) {
-//         show(name.substr(part->begin, part->size));    // "Jed M"
+//     for (const auto& part : matchedInName("Jed Marlowe", "marl j")) {
+//         show(name.substr(part.begin, part.size));    // "J", then "Marl"
 //     }
 #pragma once
 
 #include <cstddef>
-#include <optional>
 #include <string_view>
+#include <vector>
 
 namespace host::text {
 
@@ -19,11 +19,12 @@ struct Part {
     friend bool operator==(const Part&, const Part&) = default;
 };
 
-// The first place where a converted key stands in a name: the letters that its digits stand for, or the text itself.
-// Nothing when the name does not match, or the key is empty.
-std::optional<Part> matchedInName(std::string_view name, std::string_view key);
+// Where a converted key stands in a name: the letters that its digits stand for, or each of its words. Where a word
+// stands at several places, the first one at which a word of the name begins, or else the first one. In order, and
+// apart from each other. Nothing when the name does not match, or the key is empty.
+std::vector<Part> matchedInName(std::string_view name, std::string_view key);
 
 // The same in a number, in which digits are found and nothing else is looked for.
-std::optional<Part> matchedInNumber(std::string_view number, std::string_view key);
+std::vector<Part> matchedInNumber(std::string_view number, std::string_view key);
 
 } // namespace host::text

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cctype>
+#include <iterator>
+#include <sstream>
 
 namespace test {
 
@@ -46,7 +48,10 @@ std::string keypad(const std::string& name) {
 
 bool matches(const Contact& contact, const std::string& key) {
     if (!isDigits(key)) {
-        return contains(lower(contact.name), key);
+        const std::string name = without(lower(contact.name), " -");
+        std::istringstream words(key);
+        return std::all_of(std::istream_iterator<std::string>(words), {},
+                           [&](const std::string& word) { return contains(name, without(word, "-")); });
     }
     return contains(keypad(contact.name), key) ||
            std::any_of(contact.numbers.begin(), contact.numbers.end(),

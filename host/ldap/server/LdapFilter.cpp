@@ -1,6 +1,8 @@
 #include "host/ldap/server/LdapFilter.h"
 
 #include "host/ldap/server/Waiter.h"
+#include "host/text/NameForm.h"
+#include "host/text/NumberForm.h"
 #include "host/text/Utf8.h"
 
 #include <openldap.h>
@@ -63,13 +65,22 @@ bool isFilter(const std::string& filter) {
                            &id) == LDAP_SUCCESS;
 }
 
-// "(a)" for one part, "(|(a)(b))" for several.
-std::string anyOf(const std::vector<std::string>& attributes, std::string_view value) {
-    std::string parts;
-    for (const std::string& attribute : attributes) {
-        parts.append("(").append(attribute).append("=").append(value).append(")");
+// One filter is itself; several are "(&(a)(b))" or "(|(a)(b))".
+std::string joined(char how, const std::vector<std::string>& filters) {
+    std::string all;
+    for (const std::string& filter : filters) {
+        all += filter;
     }
-    return attributes.size() == 1 ? parts : "(|" + parts + ")";
+    return filters.size() == 1 ? all : std::string("(") + how + all + ")";
+}
+
+// A filter for the value in any of the attributes.
+std::string anyOf(const std::vector<std::string>& attributes, std::string_view value) {
+    std::vector<std::string> filters;
+    for (const std::string& attribute : attributes) {
+        filters.push_back("(" + attribute + "=" + std::string(value) + ")");
+    }
+    return joined('|', filters);
 }
 
 } // namespace
@@ -123,18 +134,26 @@ std::string filterTemplateProblem(std::string_view filterTemplate) {
 }
 
 std::string nameFilter(std::string_view filterTemplate, std::string_view key) {
-    return fill(filterTemplate, escapeFilterValue(key));
+    std::vector<std::string> filters;
+    for (const std::string_view word : text::typedWords(key)) {
+        filters.push_back(fill(filterTemplate, escapeFilterValue(word)));
+    }
+    return filters.empty() ? fill(filterTemplate, escapeFilterValue(key)) : joined('&', filters);
 }
 
-std::string numberFilter(std::string_view filterTemplate, std::string_view key) {
-    std::string pattern;
-    for (const char character : key) {
-        if (!pattern.empty()) {
-            pattern += '*';
+std::string numberFilter(std::string_view filterTemplate, const std::string& key) {
+    std::vector<std::string> filters;
+    for (const std::string& equal : text::equalKeys(key)) {
+        std::string pattern;
+        for (const char character : equal) {
+            if (!pattern.empty()) {
+                pattern += '*';
+            }
+            pattern += escapeFilterValue(std::string_view(&character, 1));
         }
-        pattern += escapeFilterValue(std::string_view(&character, 1));
+        filters.push_back(fill(filterTemplate, pattern));
     }
-    return fill(filterTemplate, pattern);
+    return joined('|', filters);
 }
 
 std::string defaultNameFilter(const std::vector<std::string>& nameAttributes,

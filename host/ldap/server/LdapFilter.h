@@ -17,12 +17,13 @@ std::string escapeFilterValue(std::string_view bytes);
 // What is wrong with a template, for people; empty when it is a filter with %k inside of a value.
 std::string filterTemplateProblem(std::string_view filterTemplate);
 
-// The template with the key in its place.
+// The template with each word of the key in its place: all of them must match, in any order.
 std::string nameFilter(std::string_view filterTemplate, std::string_view key);
 
 // The template with the key's characters in its place and "*" between them: directories write blanks, dashes, dots and
-// brackets between the digits of a number. It finds more than the key (see LdapPeople.h).
-std::string numberFilter(std::string_view filterTemplate, std::string_view key);
+// brackets between the digits of a number. Where the key may be typed in several ways (text/NumberForm.h), any of them
+// matches. It finds more than the key (see LdapPeople.h).
+std::string numberFilter(std::string_view filterTemplate, const std::string& key);
 
 // Templates for people with the key in one of the attributes; the former asks for people that have a number at all.
 std::string defaultNameFilter(const std::vector<std::string>& nameAttributes,

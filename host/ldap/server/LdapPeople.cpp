@@ -1,7 +1,9 @@
 #include "host/ldap/server/LdapPeople.h"
 
+#include "host/text/Find.h"
 #include "host/text/Fold.h"
 #include "host/text/Key.h"
+#include "host/text/NumberForm.h"
 #include "host/text/Utf8.h"
 
 #include <algorithm>
@@ -72,8 +74,11 @@ bool LdapPeople::add(const Person& person) {
         ++m_numberless;
         return true;
     }
-    const auto holdsKey = [&](const std::string* number) { return number->find(m_numberKey) != std::string::npos; };
-    if (std::none_of(numbers.begin(), numbers.end(), holdsKey)) {
+    std::string forms;
+    for (const std::string* number : numbers) {
+        text::appendNumberForms(*number, forms);
+    }
+    if (!m_numberKey.empty() && text::findBytes(forms, m_numberKey, 0) == std::string::npos) {
         return true;
     }
     const std::string_view name = usableName(person.names);

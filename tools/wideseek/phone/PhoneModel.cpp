@@ -1,5 +1,6 @@
 #include "tools/wideseek/phone/PhoneModel.h"
 
+#include "host/text/Key.h"
 #include "platform/CommonAPI.h"
 
 #include <algorithm>
@@ -29,7 +30,10 @@ void PhoneModel::setHeight(int rows) {
 }
 
 void PhoneModel::type(std::string_view character) {
-    const std::string digit = m_digits ? CommonUnits_ToKeyString(std::string(character)) : std::string();
+    std::string digit;
+    if (m_digits) {
+        host::text::appendKeypadForm(character, digit);
+    }
     if (m_typed.insert(digit.empty() ? character : digit)) {
         startOver();
     }

@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <array>
 #include <cwchar>
-#include <optional>
 
 namespace wideseek {
 
@@ -207,17 +206,16 @@ attr_t colour(short foreground) {
     return static_cast<attr_t>(COLOR_PAIR(foreground));
 }
 
-// Makes the part of a cell stand out that the key has found, as far as it is seen.
-void putPart(int line, int column, int columns, std::string_view text, const std::optional<host::text::Part>& part,
-             attr_t attributes) {
-    if (!part) {
-        return;
-    }
+// Makes the parts of a cell stand out that the key has found, as far as they are seen.
+void putParts(int line, int column, int columns, std::string_view text, const std::vector<host::text::Part>& parts,
+              attr_t attributes) {
     const bool cut = widthOf(wide(text)) > columns;
-    const int before = widthOf(wide(text.substr(0, part->begin)));
-    const std::wstring found = wide(text.substr(part->begin, part->size));
-    put(line, column + before, front(found, columns - (cut ? 1 : 0) - before),
-        attributes | A_BOLD | A_UNDERLINE | colour(COLOR_MAGENTA));
+    for (const host::text::Part& part : parts) {
+        const int before = widthOf(wide(text.substr(0, part.begin)));
+        const std::wstring found = wide(text.substr(part.begin, part.size));
+        put(line, column + before, front(found, columns - (cut ? 1 : 0) - before),
+            attributes | A_BOLD | A_UNDERLINE | colour(COLOR_MAGENTA));
+    }
 }
 
 void putRow(int line, const WideseekItemData& row, const std::string& key, bool underCursor) {
@@ -228,9 +226,9 @@ void putRow(int line, const WideseekItemData& row, const std::string& key, bool 
         (underCursor ? L"> " : L"  ") + fitted(row.strName, columns.name) + L' ' +
             fitted(row.strNumber, columns.number) + L' ' + fitted(extraOf(row), columns.extra),
         attributes);
-    putPart(line, firstColumn, columns.name, row.strName, host::text::matchedInName(row.strName, key), attributes);
-    putPart(line, numberColumn, columns.number, row.strNumber, host::text::matchedInNumber(row.strNumber, key),
-            attributes);
+    putParts(line, firstColumn, columns.name, row.strName, host::text::matchedInName(row.strName, key), attributes);
+    putParts(line, numberColumn, columns.number, row.strNumber, host::text::matchedInNumber(row.strNumber, key),
+             attributes);
 }
 
 std::string emptyText(const PhoneModel& model, const PhoneStatus& status) {

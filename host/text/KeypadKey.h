@@ -1,5 +1,5 @@
-// A short key that folds to ASCII, as most do, made ready to be looked for in fields of ASCII, as most are, where they
-// lie. Plain data, so that each thread has one of its own without making it:
+// A short key of keypad digits made ready to be looked for in numbers and keypad forms where they lie. Plain data, so
+// that each thread has one of its own without making it:
 //
 //     if (key.isFor(typed) && key.candidates(word) != 0) {
 //         return key.isFrom(0, text);
@@ -14,14 +14,13 @@
 
 namespace host::text {
 
-class PlainKey {
+class KeypadKey {
 public:
     // From word to word of a text: two bytes may begin at all but the last byte of one.
     static constexpr std::size_t stride = wordSize - 1;
 
-    // Makes key ready, which folds to folded (Fold.h). Of one that is too long or does not fold to ASCII, nothing is
-    // kept: this is then for no key.
-    void set(std::string_view key, std::string_view folded);
+    // Makes key ready, which isKeypadKey (Key.h). Of one that is too long, nothing is kept: this is then for no key.
+    void set(std::string_view key);
 
     // The key that this is for. Not when there is none.
     std::string_view key() const { return {m_key.data(), m_size}; }
@@ -31,16 +30,15 @@ public:
         if (key.size() != m_size) {
             return false;
         }
-        return m_size < wordSize ? loadFew(key.data(), m_size) == m_keyStart
-                                 : load(key.data()) == m_keyStart && load(key.data() + m_size - wordSize) == m_keyEnd;
+        return m_size < wordSize ? loadFew(key.data(), m_size) == m_start
+                                 : load(key.data()) == m_start && load(key.data() + m_size - wordSize) == m_end;
     }
 
     // The high bit of every byte of word at which the key's last two bytes may stand, and of every byte that is not
     // ASCII. Both are looked for at once, as one alone is found too often and in vain; the last two, as what a person
     // narrows has all that was typed before them.
     Word candidates(Word word) const {
-        const Word bytes = word | anyCase;
-        const Word difference = (bytes ^ m_beforeLast) | ((bytes >> m_toLast) ^ m_last);
+        const Word difference = (word ^ m_beforeLast) | ((word >> m_toLast) ^ m_last);
         return (~(difference + lowBits) | word) & highBits;
     }
 
@@ -51,21 +49,14 @@ public:
 private:
     static constexpr std::size_t longest = 2 * wordSize;
 
-    // With these set, the two cases of a letter are the same byte, and so are some bytes that are no letters.
-    static constexpr Word anyCase = everyByte('a' - 'A');
-
     bool isAt(std::size_t at, std::string_view text) const;
 
     std::array<char, longest> m_key{};
-    std::array<char, longest> m_folded{};
-    std::size_t m_size = std::string_view::npos; // of m_key; npos: there is none
-    std::size_t m_foldedSize = 0;
-    Word m_keyStart = 0;   // its first eight bytes, zero behind its end
-    Word m_keyEnd = 0;     // its last eight bytes, when it has as many
-    Word m_start = 0;      // the same of m_folded
-    Word m_startMask = 0;  // which of those there are
-    Word m_startCase = 0;  // the bits in which the cases of a letter differ
-    Word m_beforeLast = 0; // its last two bytes with anyCase, each eight times; a single byte is both
+    std::size_t m_size = std::string_view::npos; // npos: there is none
+    Word m_start = 0;                            // its first eight bytes, zero behind its end
+    Word m_startMask = 0;                        // which of those there are
+    Word m_end = 0;                              // its last eight bytes, when it has as many
+    Word m_beforeLast = 0;                       // its last two bytes, each eight times; a single byte is both
     Word m_last = 0;
     unsigned m_toLast = 0; // how many bits lie between the two
 };
