@@ -1,9 +1,10 @@
 // The phone's string helpers: what a typed key means, what matches it, and the bounds of a page.
 //
 // All functions may be called from any thread and take any bytes: text is UTF-8, and bytes that are not UTF-8 pass
-// through unharmed. Besides what they are given, how the phone's country dials decides what matches a number. Folding is Unicode's (https://www.unicode.org/reports/tr15/, full case folding, compatibility
-// decomposition), without the phone's locale. A function that needs memory which is not there throws std::bad_alloc, so
-// that no answer is taken for one that it is not.
+// through unharmed. Besides what they are given, how the phone's country dials decides what matches a number. Folding
+// is Unicode's (https://www.unicode.org/reports/tr15/, full case folding, compatibility decomposition), without the
+// phone's locale. A function that needs memory which is not there throws std::bad_alloc, so that no answer is taken for
+// one that it is not.
 #pragma once
 
 #include <string>

@@ -410,6 +410,22 @@ TEST(LdapServer, TlsIsSpokenToAServerWhoseCertificateIsTrusted) {
     }
 }
 
+TEST(LdapPeople, BetterMatchesComeFirstAndOtherwiseEverybodyAsReceived) {
+    const auto rowsFor = [](const std::string& key) {
+        host::LdapPeople people(key, 0, {}, [] {});
+        for (const auto& [name, number] :
+             {std::pair("Hanna", "15"), {"Ann O'Hara", "51"}, {"Jo Ann", "+5"}, {"Di", "75"}}) {
+            EXPECT_TRUE(people.add({{name}, {number, "9"}}));
+        }
+        return rowsOf({true, people.takeRows(), ""});
+    };
+    EXPECT_EQ(rowsFor("ann"), (Rows{"Ann O'Hara/51", "Ann O'Hara/9", "Jo Ann/+5", "Jo Ann/9", "Hanna/15", "Hanna/9",
+                                    "Di/75", "Di/9"})); // Di for an attribute that is not shown
+    EXPECT_EQ(rowsFor("5"),
+              (Rows{"Ann O'Hara/51", "Ann O'Hara/9", "Jo Ann/+5", "Jo Ann/9", "Hanna/15", "Hanna/9", "Di/75", "Di/9"}));
+    EXPECT_EQ(rowsFor("75"), (Rows{"Di/75", "Di/9"}));
+}
+
 TEST(LdapFilter, WhatMeansSomethingInAFilterOrIsNotUtf8IsEscaped) {
     EXPECT_EQ(host::escapeFilterValue(std::string_view("a*(b)\\\0\u00E9&|!=", 13)), R"(a\2a\28b\29\5c\00)"
                                                                                     "\u00E9&|!=");

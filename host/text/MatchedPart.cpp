@@ -24,6 +24,11 @@ Spelling takeAsItIs(std::string_view& text) {
     return {character, character};
 }
 
+// Whether a word of the text begins at this byte of it.
+bool isWordBegin(std::string_view text, std::size_t at) {
+    return at == 0 || isIgnored(lastCharacter(text.substr(0, at)).codePoint);
+}
+
 // A text in a form in which keys are looked for, and which part of the text each byte of it comes from.
 class TracedForm {
 public:
@@ -42,7 +47,7 @@ public:
             return std::nullopt;
         }
         for (std::size_t next = place; next != std::string_view::npos; next = findBytes(m_form, word, next + 1)) {
-            if (isWordBegin(m_origins[next].begin)) {
+            if (isWordBegin(m_text, m_origins[next].begin)) {
                 place = next;
                 break;
             }
@@ -53,10 +58,6 @@ public:
     }
 
 private:
-    bool isWordBegin(std::size_t at) const {
-        return at == 0 || isIgnored(lastCharacter(m_text.substr(0, at)).codePoint);
-    }
-
     std::size_t behindMarks(std::size_t at) const {
         while (at < m_text.size()) {
             const std::size_t size = firstCharacter(m_text.substr(at)).size;
@@ -88,8 +89,8 @@ std::vector<Part> joined(std::vector<Part> parts) {
     return apart;
 }
 
-// Every word in the form as people mostly write the name, or else as they also write it.
-std::vector<Part> find(std::string_view name, const std::vector<std::string>& words, Append append) {
+// Every word in the form as people mostly write the name, or else as they also write it. None where one is missing.
+std::vector<Part> findAll(std::string_view name, const std::vector<std::string>& words, Append append) {
     const TracedForm form(name, append);
     const TracedForm spelled(name, append, takeSpelling);
     std::vector<Part> parts;
@@ -103,7 +104,12 @@ std::vector<Part> find(std::string_view name, const std::vector<std::string>& wo
         }
         parts.push_back(*part);
     }
-    return joined(std::move(parts));
+    return parts;
+}
+
+std::vector<Part> findKey(std::string_view name, std::string_view key) {
+    return isKeypadKey(key) ? findAll(name, {std::string(key)}, appendKeypadForm)
+                            : findAll(name, keyWords(key), appendCompact);
 }
 
 // A key that stands in one of a national number's forms. What is ahead of the number proper there is all that is ahead
@@ -132,10 +138,7 @@ std::optional<Part> findInNumberForms(std::string_view number, std::string_view 
 } // namespace
 
 std::vector<Part> matchedInName(std::string_view name, std::string_view key) {
-    if (isKeypadKey(key)) {
-        return find(name, {std::string(key)}, appendKeypadForm);
-    }
-    return find(name, keyWords(key), appendCompact);
+    return joined(findKey(name, key));
 }
 
 std::vector<Part> matchedInNumber(std::string_view number, std::string_view key) {
@@ -147,6 +150,18 @@ std::vector<Part> matchedInNumber(std::string_view number, std::string_view key)
     }
     const auto part = findInNumberForms(number, key);
     return part ? std::vector{*part} : std::vector<Part>{};
+}
+
+bool beginsWordsOf(std::string_view name, std::string_view key) {
+    const std::vector<Part> parts = findKey(name, key);
+    return !parts.empty() &&
+           std::all_of(parts.begin(), parts.end(), [name](const Part& part) { return isWordBegin(name, part.begin); });
+}
+
+bool beginsNumber(std::string_view number, std::string_view key) {
+    std::string forms(1, formSeparator);
+    appendNumberForms(number, forms);
+    return findBytes(forms, formSeparator + std::string(key), 0) != std::string::npos;
 }
 
 } // namespace host::text

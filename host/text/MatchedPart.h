@@ -1,4 +1,5 @@
-// Which parts of a name or number a key has found, for a screen that shows why a row is there. Pure; any thread.
+// Which parts of a name or number a key has found, for a screen that shows why a row is there, and whether it is a
+// better match. Any thread.
 //
 //     for (const auto& part : matchedInName("Jed Marlowe", "marl j")) {
 //         show(name.substr(part.begin, part.size));    // "J", then "Marl"
@@ -26,5 +27,11 @@ std::vector<Part> matchedInName(std::string_view name, std::string_view key);
 
 // The same in a number, in which digits are found and nothing else is looked for.
 std::vector<Part> matchedInNumber(std::string_view number, std::string_view key);
+
+// Whether a converted key matches, and each of its words begins a word of the name.
+bool beginsWordsOf(std::string_view name, std::string_view key);
+
+// Whether a key of digits begins the number, in one of its forms.
+bool beginsNumber(std::string_view number, std::string_view key);
 
 } // namespace host::text

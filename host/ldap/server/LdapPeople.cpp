@@ -1,9 +1,9 @@
 #include "host/ldap/server/LdapPeople.h"
 
-#include "host/text/Find.h"
+#include "host/text/FieldMatch.h"
 #include "host/text/Fold.h"
 #include "host/text/Key.h"
-#include "host/text/NumberForm.h"
+#include "host/text/MatchedPart.h"
 #include "host/text/Utf8.h"
 
 #include <algorithm>
@@ -25,8 +25,9 @@ bool isReadable(std::string_view name) {
 
 } // namespace
 
-LdapPeople::LdapPeople(std::string numberKey, std::size_t limit, const LdapLimits& limits, std::function<void()> goOn)
-    : m_numberKey(std::move(numberKey)), m_limit(limit), m_limits(limits), m_goOn(std::move(goOn)) {
+LdapPeople::LdapPeople(std::string key, std::size_t limit, const LdapLimits& limits, std::function<void()> goOn)
+    : m_key(std::move(key)), m_digits(text::isKeypadKey(m_key)), m_limit(limit), m_limits(limits),
+      m_goOn(std::move(goOn)) {
 }
 
 // The first numbers that can be dialled, each once. They lie in memory.
@@ -74,11 +75,8 @@ bool LdapPeople::add(const Person& person) {
         ++m_numberless;
         return true;
     }
-    std::string forms;
-    for (const std::string* number : numbers) {
-        text::appendNumberForms(*number, forms);
-    }
-    if (!m_numberKey.empty() && text::findBytes(forms, m_numberKey, 0) == std::string::npos) {
+    const auto holdsKey = [this](const std::string* number) { return text::isIn(*number, m_key); };
+    if (m_digits && std::none_of(numbers.begin(), numbers.end(), holdsKey)) {
         return true;
     }
     const std::string_view name = usableName(person.names);
@@ -90,24 +88,29 @@ bool LdapPeople::add(const Person& person) {
         return false;
     }
     ++m_taken;
+    const auto begins = [this](const std::string* number) { return text::beginsNumber(*number, m_key); };
+    const bool better =
+        m_digits ? std::any_of(numbers.begin(), numbers.end(), begins) : text::beginsWordsOf(name, m_key);
     return std::all_of(numbers.begin(), numbers.end(),
-                       [&](const std::string* number) { return addRow(name, *number); });
+                       [&](const std::string* number) { return addRow(better ? m_better : m_others, name, *number); });
 }
 
-bool LdapPeople::addRow(std::string_view name, const std::string& number) {
+bool LdapPeople::addRow(std::list<NS_TA::LdapResultItem>& rows, std::string_view name, const std::string& number) {
     const std::size_t bytes = name.size() + number.size();
-    m_rowsCut = m_rows.size() == m_limits.rows;
+    m_rowsCut = m_better.size() + m_others.size() == m_limits.rows;
     m_bytesCut = bytes > m_limits.answerBytes - m_bytes;
     if (m_rowsCut || m_bytesCut) {
         return false;
     }
     m_bytes += bytes;
-    m_rows.push_back({std::string(name), number});
+    rows.push_back({std::string(name), number});
     return true;
 }
 
 std::list<NS_TA::LdapResultItem> LdapPeople::takeRows() {
-    return std::move(m_rows);
+    std::list<NS_TA::LdapResultItem> rows = std::move(m_better);
+    rows.splice(rows.end(), m_others);
+    return rows;
 }
 
 std::vector<std::string> LdapPeople::leftOut(bool serverCut) const {

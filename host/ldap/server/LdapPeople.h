@@ -1,9 +1,10 @@
 // The rows of one LDAP answer, collected from the people that the directory sends.
 //
-// Every number of a person gives a row. A number filter finds more than the key, since anything may stand between the
-// digits; what does not hold the key once the number is in dialable form is dropped here. What a person or the answer
-// has beyond the limits is left out and counted, so that no server decides how much memory an answer takes. The work
-// grows with the bytes that are received and with nothing else. Used by one thread.
+// Every number of a person gives a row; people whom the key matches better come first. A number filter finds more than
+// the key, since anything may stand between the digits; what does not hold the key once the number is in dialable form
+// is dropped here. What a person or the answer has beyond the limits is left out and counted, so that no server decides
+// how much memory an answer takes. The work grows with the bytes that are received and with nothing else. Used by one
+// thread.
 #pragma once
 
 #include "host/ldap/server/ServerLdap.h"
@@ -27,10 +28,10 @@ public:
         std::vector<std::string_view> numbers;
     };
 
-    // numberKey: the digits that one of a person's numbers must hold; empty: every person counts. limit: how many
-    // people are taken; 0: as many as the other limits allow. goOn is called again and again while a person is taken,
-    // and may throw to end that.
-    LdapPeople(std::string numberKey, std::size_t limit, const LdapLimits& limits, std::function<void()> goOn);
+    // key: converted; of digits, one of a person's numbers must match it, otherwise every person counts. limit: how
+    // many people are taken; 0: as many as the other limits allow. goOn is called again and again while a person is
+    // taken, and may throw to end that.
+    LdapPeople(std::string key, std::size_t limit, const LdapLimits& limits, std::function<void()> goOn);
 
     // Takes a person. False: a limit of the answer is reached, so nobody further can be taken.
     bool add(const Person& person);
@@ -46,13 +47,15 @@ private:
 
     Numbers dialableNumbers(const std::vector<std::string_view>& written, std::unordered_set<std::string>& memory);
     std::string_view usableName(const std::vector<std::string_view>& names);
-    bool addRow(std::string_view name, const std::string& number);
+    bool addRow(std::list<NS_TA::LdapResultItem>& rows, std::string_view name, const std::string& number);
 
-    const std::string m_numberKey;
+    const std::string m_key;
+    const bool m_digits;
     const std::size_t m_limit;
     const LdapLimits m_limits;
     const std::function<void()> m_goOn;
-    std::list<NS_TA::LdapResultItem> m_rows;
+    std::list<NS_TA::LdapResultItem> m_better; // rows of those whom the key matches better
+    std::list<NS_TA::LdapResultItem> m_others;
     std::size_t m_taken = 0;
     std::size_t m_bytes = 0; // of names and numbers in the rows
 

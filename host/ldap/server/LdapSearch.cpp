@@ -66,8 +66,7 @@ LdapAnswer LdapSearch::answer(const LdapQuery& query) {
     const std::string filter =
         digits ? numberFilter(m_options.numberFilter, query.key) : nameFilter(m_options.nameFilter, query.key);
 
-    LdapPeople people(digits ? query.key : std::string(), static_cast<std::size_t>(limit), m_options.limits,
-                      [this] { goOn(); });
+    LdapPeople people(query.key, static_cast<std::size_t>(limit), m_options.limits, [this] { goOn(); });
     // Of the people that a number filter finds only some hold the key, so the server cannot count them.
     Running running(m_connection,
                     m_connection.search(filter, joined(m_options.nameAttributes, m_options.numberAttributes),
