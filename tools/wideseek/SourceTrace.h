@@ -28,6 +28,12 @@ struct SourceTrace {
     std::string problem;
 };
 
+// What a source said was wrong.
+struct SourceProblem {
+    std::string source;
+    std::string problem;
+};
+
 // Adds the source that is asked.
 void openTrace(std::vector<SourceTrace>& sources, const host::TraceEvent& asked);
 

@@ -4,6 +4,7 @@
 #include "tools/wideseek/Interrupt.h"
 #include "tools/wideseek/Text.h"
 #include "tools/wideseek/type/PagePrinter.h"
+#include "tools/wideseek/type/Session.h"
 #include "tools/wideseek/type/TracePrinter.h"
 
 #include <algorithm>
@@ -60,7 +61,7 @@ int typeKeys(const TypeArguments& arguments) {
     const bool bold = isBoldWelcome();
     Session session(phoneOptionsOf(arguments.phone), [&](const Page& page) {
         if (arguments.json) {
-            printPageJson(std::cout, page);
+            printJsonLine(std::cout, jsonOf(page));
         } else {
             printPage(std::cout, page, bold);
         }
