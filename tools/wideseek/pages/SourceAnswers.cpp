@@ -7,7 +7,9 @@ namespace wideseek {
 
 void SourceAnswers::onTrace(const host::TraceEvent& event) {
     const std::lock_guard lock(m_mutex);
-    if (event.kind == host::TraceKind::sourceAnswered) {
+    if (event.kind == host::TraceKind::sourceAsked) {
+        m_failed.try_emplace(std::string(event.source), false);
+    } else if (event.kind == host::TraceKind::sourceAnswered) {
         m_failed[std::string(event.source)] = event.failed;
     }
     if (!event.problem.empty()) {

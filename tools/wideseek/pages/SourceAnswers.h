@@ -21,12 +21,12 @@ public:
     // The problems that sources told of since this was asked last.
     std::vector<SourceProblem> takeProblems();
 
-    // True when sources have answered, and each of them failed when it did so last.
+    // True when sources have been asked, and each of them failed when it answered last.
     bool areAllFailures() const;
 
 private:
     mutable std::mutex m_mutex;           // guards what follows
-    std::map<std::string, bool> m_failed; // by the source's name: its last answer
+    std::map<std::string, bool> m_failed; // by the source's name: its last answer, if any
     std::vector<SourceProblem> m_problems;
 };
 
