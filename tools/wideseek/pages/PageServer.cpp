@@ -139,8 +139,8 @@ void PageServer::serve(const std::vector<Line>& lines) {
 }
 
 void PageServer::ask(std::size_t line, PageRequest request) {
-    m_asked = std::make_unique<Asked>(line, std::move(request.id),
-                                      [this](const WideseekListData& data) { takePage(*m_asked, data); });
+    m_asked =
+        std::make_unique<Asked>(line, std::move(request.id), [this](const WideseekListData& data) { takePage(data); });
     if (!Wideseek_SearchUnion(request.key, request.from, request.count, &m_asked->screen)) {
         failWithoutPage("the search library did not take it; it has no memory left");
     }
@@ -174,11 +174,12 @@ void PageServer::finish() {
     reportProblems();
 }
 
-void PageServer::takePage(Asked& asked, const WideseekListData& data) {
-    const std::chrono::duration<double, std::milli> taken = Clock::now() - asked.handedOver;
-    asked.isAnswered = true;
-    Json reply = {{"id", asked.id}};
-    reply.update(jsonOf({asked.line - 1, asked.pages++ > 0, taken.count(), data}));
+// For the request that is being served: those before it have no callback object any more.
+void PageServer::takePage(const WideseekListData& data) {
+    const std::chrono::duration<double, std::milli> taken = Clock::now() - m_asked->handedOver;
+    m_asked->isAnswered = true;
+    Json reply = {{"id", m_asked->id}};
+    reply.update(jsonOf({m_asked->line - 1, m_asked->pages++ > 0, taken.count(), data}));
     m_output.write(reply);
 }
 

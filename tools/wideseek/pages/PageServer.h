@@ -48,7 +48,7 @@ private:
     void ask(std::size_t line, PageRequest request);
     void dismiss();
     void finish();
-    void takePage(Asked& asked, const WideseekListData& data);
+    void takePage(const WideseekListData& data);
     void failWithoutPage(const std::string& reason);
     void abandon(std::size_t line, const Json& id);
     void refuse(std::size_t line, const Json& id, const std::string& error);
