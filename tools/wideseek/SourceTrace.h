@@ -16,6 +16,12 @@
 
 namespace wideseek {
 
+// What a source said was wrong.
+struct SourceProblem {
+    std::string source;
+    std::string problem;
+};
+
 struct SourceTrace {
     std::string name;
     std::string key; // what it was asked for
@@ -25,12 +31,6 @@ struct SourceTrace {
     std::size_t contacts = 0;
     std::size_t numbers = 0;
     bool failed = false;
-    std::string problem;
-};
-
-// What a source said was wrong.
-struct SourceProblem {
-    std::string source;
     std::string problem;
 };
 
