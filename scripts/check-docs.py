@@ -2,9 +2,10 @@
 """Checks that README.md and docs/ tell the truth about what a reader can try: links lead somewhere, paths and scripts that
 are named exist, commands of sh blocks that use ./run.sh succeed, and console blocks print what they show.
 
-Blocks run as on a reader's machine, each page of documents in a folder and with a home of its own. An xml block is
-wideseek.xml for the console blocks behind it. Times differ from run to run and are not compared; behind a line "[...]"
-the comparison goes on with the next line that is shown. What needs a terminal (a command that sets TERM) is left out."""
+Blocks run as on a reader's machine, each page of documents in a folder and with a home of its own. For the console blocks
+behind it, an xml block is wideseek.xml, and a block that begins with a file's name ("# names.sh") is that file. Times
+differ from run to run and are not compared; behind a line "[...]" the comparison goes on with the next line that is shown.
+What needs a terminal (a command that sets TERM) is left out."""
 import os, re, shutil, subprocess, sys, tempfile
 from pathlib import Path
 
@@ -66,13 +67,14 @@ def check_console(page, block, folder):
 def check_blocks(page, text):
     with tempfile.TemporaryDirectory() as name:
         folder = Path(name)
-        (folder / "run.sh").write_text(f'exec "{ROOT}/run.sh" "$@"\n')
+        (folder / "run.sh").write_text(f'#!/bin/sh\nexec "{ROOT}/run.sh" "$@"\n')
         (folder / "run.sh").chmod(0o755)
         shutil.copytree(ROOT / "sample", folder / "sample")
         (folder / "myphone").symlink_to("sample")
         for language, block in re.findall(r"^```(\w*)\n(.*?)^```", text, re.M | re.S):
-            if language == "xml":
-                (folder / "wideseek.xml").write_text(block)
+            named = re.match(r"# ([a-z]+\.(?:sh|py))\n", block)
+            if named or language == "xml":
+                (folder / (named[1] if named else "wideseek.xml")).write_text(block)
             elif language == "console":
                 check_console(page, block, folder)
             elif language == "sh" and "./run.sh" in block:

@@ -9,7 +9,7 @@
 #   headers    headers stand alone; nobody includes across      (check-headers.sh)
 #   symbols    libWideseek.so shows and needs what it should    (check-symbols.sh)
 #   hardening  memory errors meet guards in what is shipped     (check-hardening.sh)
-#   docs       what the documents name and show is so           (check-docs.py)
+#   docs       what the documents name and show is so           (check-docs.py, picture.py)
 #   lint       clang-tidy                                       (check-lint.sh)
 #   tests      all tests, built by GCC                          (test.sh)
 #   clang      all tests, built by Clang with its thread safety analysis
@@ -79,6 +79,7 @@ run_check() {
     docs)
         ./run.sh --version >/dev/null # builds
         scripts/check-docs.py
+        scripts/picture.py --check
         ;;
     tests) ./test.sh ;;
     clang | asan) test_preset "$1" ;;

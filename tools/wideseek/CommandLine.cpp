@@ -3,6 +3,7 @@
 #include "tools/wideseek/ExitCode.h"
 #include "tools/wideseek/check/CheckCommand.h"
 #include "tools/wideseek/init/InitCommand.h"
+#include "tools/wideseek/pages/PagesCommand.h"
 #include "tools/wideseek/phone/PhoneCommand.h"
 #include "tools/wideseek/type/DemoCommand.h"
 #include "tools/wideseek/type/TypeCommand.h"
@@ -39,6 +40,14 @@ reports it as it was searched), from, count, total, late, ms and rows; each row 
 extra. With --trace, one more line per request follows at the end, {"trace": {...}}.
 
 Exit code: 0 every key got its page, 1 something failed, 2 usage error.)";
+
+constexpr const char* pagesFooter = R"(
+Each line of the standard input is a request, a JSON object with key (as typed; "" offers the recent calls) and, where
+wanted, id (anything; null), from (0) and count (10; 0: all). Each line of the standard output is an object with the
+request's id, request (the number of its line, from 1), and either what "type --json" prints for a page, or error, or
+abandoned: a newer request came before its first page. A newer request also ends what LDAP has to say about an older one.
+
+Exit code: 0 every request got its page or was abandoned, 1 something failed, 2 usage error.)";
 
 constexpr const char* initFooter = R"(
 Makes the files of a phone in DIR, each with a word on what belongs into it, and switches on those sources whose
@@ -121,6 +130,13 @@ void addType(CLI::App& parser, TypeArguments& arguments) {
     parser.footer(typeFooter);
 }
 
+void addPages(CLI::App& parser, PagesArguments& arguments) {
+    addPhone(parser, arguments.phone);
+    parser.add_flag("--abandon", arguments.abandon,
+                    "At the end of input, end at once. Default: wait for the pages that are outstanding");
+    parser.footer(pagesFooter);
+}
+
 void addCheck(CLI::App& parser, CheckArguments& arguments) {
     parser.add_option("FILE", arguments.file, "The source list. Default: the one of the phone's root")
         ->option_text(" ")
@@ -165,6 +181,11 @@ std::variant<Command, int> readCommandLine(int argc, char** argv) {
         application.add_subcommand("type", "Type keys one after another and print each page of results");
     addType(*typeParser, type);
 
+    PagesArguments pages;
+    CLI::App* pagesParser =
+        application.add_subcommand("pages", "Serve pages to another program: requests and pages as JSON lines");
+    addPages(*pagesParser, pages);
+
     CheckArguments check;
     CLI::App* checkParser =
         application.add_subcommand("check", "Explain a source list (wideseek.xml) and warn of mistakes in it");
@@ -187,6 +208,9 @@ std::variant<Command, int> readCommandLine(int argc, char** argv) {
     }
     if (typeParser->parsed()) {
         return Command([type] { return typeKeys(type); });
+    }
+    if (pagesParser->parsed()) {
+        return Command([pages] { return servePages(pages); });
     }
     if (initParser->parsed()) {
         return Command([init] { return makePhone(init); });

@@ -47,4 +47,8 @@ host::PhoneOptions phoneOptionsOf(const PhoneArguments& arguments) {
     return options;
 }
 
+host::Duration longestSettling(const host::PhoneOptions& options) {
+    return std::chrono::seconds(10) + options.ldapDelay.value_or(host::Duration::zero());
+}
+
 } // namespace wideseek

@@ -28,4 +28,7 @@ std::filesystem::path sourceListOf(const std::filesystem::path& root);
 // a log file that cannot be written.
 host::PhoneOptions phoneOptionsOf(const PhoneArguments& arguments);
 
+// How long is waited in the end for what is outstanding: ten seconds beyond the delay that the user has set for LDAP.
+host::Duration longestSettling(const host::PhoneOptions& options);
+
 } // namespace wideseek

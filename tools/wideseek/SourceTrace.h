@@ -16,6 +16,12 @@
 
 namespace wideseek {
 
+// What a source said was wrong.
+struct SourceProblem {
+    std::string source;
+    std::string problem;
+};
+
 struct SourceTrace {
     std::string name;
     std::string key; // what it was asked for

@@ -4,6 +4,7 @@
 #include "tools/wideseek/Interrupt.h"
 #include "tools/wideseek/Text.h"
 #include "tools/wideseek/type/PagePrinter.h"
+#include "tools/wideseek/type/Session.h"
 
 #include <algorithm>
 #include <array>

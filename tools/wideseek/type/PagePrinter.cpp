@@ -1,11 +1,9 @@
 #include "tools/wideseek/type/PagePrinter.h"
 
-#include "tools/wideseek/JsonLine.h"
 #include "tools/wideseek/Text.h"
 
 #include <unistd.h>
 
-#include <cmath>
 #include <cstdlib>
 #include <sstream>
 
@@ -60,26 +58,6 @@ void printPage(std::ostream& out, const Page& page, bool bold) {
     }
     table.print(out, 2);
     out << '\n';
-}
-
-void printPageJson(std::ostream& out, const Page& page) {
-    Json rows = Json::array();
-    for (const WideseekItemData& row : page.data.listItem) {
-        rows.push_back({{"name", row.strName},
-                        {"number", row.strNumber},
-                        {"extra1", row.strExtra1},
-                        {"extra2", row.strExtra2},
-                        {"extra", row.iExtra}});
-    }
-    const Json object = {{"request", page.request + 1},
-                         {"key", page.data.strKey},
-                         {"from", page.data.iFromIndex},
-                         {"count", page.data.iSearchCount},
-                         {"total", page.data.iTotalCount},
-                         {"late", page.late},
-                         {"ms", std::round(page.milliseconds * 1000.0) / 1000.0},
-                         {"rows", rows}};
-    printJsonLine(out, object);
 }
 
 bool isBoldWelcome() {

@@ -5,7 +5,6 @@
 #include "tools/wideseek/PhoneArguments.h"
 #include "tools/wideseek/Text.h"
 
-#include <iostream>
 #include <stdexcept>
 #include <utility>
 
@@ -17,13 +16,10 @@ using Milliseconds = std::chrono::duration<double, std::milli>;
 
 constexpr auto firstPageBound = std::chrono::seconds(5);
 
-// Beyond the delay that the user has set for LDAP.
-constexpr auto settleBound = std::chrono::seconds(10);
-
 } // namespace
 
 Session::Session(host::PhoneOptions options, PageHandler onPage)
-    : m_onPage(std::move(onPage)), m_sourceList(sourceListOf(options.root)), m_phone(std::move(options)),
+    : m_onPage(std::move(onPage)), m_problems(sourceListOf(options.root)), m_phone(std::move(options)),
       m_screen([this](const WideseekListData& data) { takePage(data); }) {
     m_phone.setTrace(&m_trace);
     m_phone.watchSourceList();
@@ -60,7 +56,7 @@ void Session::pause(std::chrono::milliseconds time) {
 
 bool Session::settle() {
     const auto finished = [this] { return interruptedBy() || isSettled(); };
-    m_phone.kernel().serveMain(finished, settleBound + m_phone.options().ldapDelay.value_or(host::Duration::zero()));
+    m_phone.kernel().serveMain(finished, longestSettling(m_phone.options()));
     reportProblems();
     return isSettled();
 }
@@ -79,22 +75,10 @@ void Session::takePage(const WideseekListData& data) {
 }
 
 void Session::reportProblems() {
-    for (const std::string& note : m_sourceList.take()) {
-        reportOnce(note, {});
-    }
-    for (const std::string& problem : m_phone.problems(m_phoneProblems)) {
-        reportOnce(problem, {});
-        ++m_phoneProblems;
-    }
+    m_problems.tellOf(m_phone);
     for (const auto& [source, problem] : m_trace.problems(m_sourceProblems)) {
-        reportOnce(problem, source + ": ");
+        m_problems.tell(problem, source + ": ");
         ++m_sourceProblems;
-    }
-}
-
-void Session::reportOnce(const std::string& problem, const std::string& where) {
-    if (m_reported.insert(problem).second) {
-        std::cerr << "wideseek: " << printable(where + problem) << std::endl;
     }
 }
 

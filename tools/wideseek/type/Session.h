@@ -10,25 +10,17 @@
 
 #include "host/Phone.h"
 #include "tools/wideseek/Library.h"
+#include "tools/wideseek/Page.h"
+#include "tools/wideseek/ProblemReport.h"
 #include "tools/wideseek/Screen.h"
-#include "tools/wideseek/SourceListNotes.h"
 #include "tools/wideseek/type/TraceLog.h"
 
 #include <chrono>
 #include <functional>
-#include <set>
 #include <string>
 #include <vector>
 
 namespace wideseek {
-
-// A page as it arrived.
-struct Page {
-    std::size_t request = 0;   // from 0
-    bool late = false;         // its request has had a page before
-    double milliseconds = 0.0; // from just before the request was handed over
-    WideseekListData data;
-};
 
 enum class Outcome {
     page,        // its first page came
@@ -73,20 +65,17 @@ private:
     void takePage(const WideseekListData& data);
     bool isSettled();
     void reportProblems();
-    void reportOnce(const std::string& problem, const std::string& where);
 
     TraceLog m_trace; // outlives the phone, which reports to it
     PageHandler m_onPage;
-    SourceListNotes m_sourceList;
+    ProblemReport m_problems;
     host::Phone m_phone;
     Library m_library;
     Screen m_screen;
     std::vector<Request> m_requests;
     std::vector<int> m_totals;
     std::size_t m_pages = 0;
-    std::set<std::string> m_reported; // problems
-    std::size_t m_phoneProblems = 0;  // how many of the phone's have been reported
-    std::size_t m_sourceProblems = 0; // and of its sources'
+    std::size_t m_sourceProblems = 0; // how many of the sources' have been reported
 };
 
 } // namespace wideseek

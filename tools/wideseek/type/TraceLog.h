@@ -21,11 +21,6 @@ struct RequestTrace {
     std::vector<host::Duration> pages; // when each was sent
 };
 
-struct SourceProblem {
-    std::string source;
-    std::string problem;
-};
-
 class TraceLog : public host::TraceSink {
 public:
     void onTrace(const host::TraceEvent& event) override;

@@ -4,10 +4,12 @@
 #include "tools/wideseek/Interrupt.h"
 #include "tools/wideseek/Text.h"
 #include "tools/wideseek/type/PagePrinter.h"
+#include "tools/wideseek/type/Session.h"
 #include "tools/wideseek/type/TracePrinter.h"
 
 #include <algorithm>
 #include <iostream>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -45,13 +47,17 @@ void printTraces(const Session& session, const TypeArguments& arguments) {
     }
 }
 
-// True when there was a key for which all sources that were asked failed.
-bool hasSearchWithoutSource(const TraceLog& trace) {
-    const std::vector<RequestTrace> requests = trace.requests();
-    return std::any_of(requests.begin(), requests.end(), [](const RequestTrace& request) {
-        return !request.sources.empty() && std::all_of(request.sources.begin(), request.sources.end(),
-                                                       [](const SourceTrace& source) { return source.failed; });
-    });
+// True when sources were asked, and each of them failed when it answered last. A key that narrows asks LDAP alone,
+// whose failure then leaves the rows of the others.
+bool haveAllSourcesFailed(const TraceLog& trace) {
+    std::map<std::string, bool> failed;
+    for (const RequestTrace& request : trace.requests()) {
+        for (const SourceTrace& source : request.sources) {
+            bool& last = failed.try_emplace(source.name, false).first->second;
+            last = source.answered ? source.failed : last;
+        }
+    }
+    return !failed.empty() && std::all_of(failed.begin(), failed.end(), [](const auto& each) { return each.second; });
 }
 
 } // namespace
@@ -60,7 +66,7 @@ int typeKeys(const TypeArguments& arguments) {
     const bool bold = isBoldWelcome();
     Session session(phoneOptionsOf(arguments.phone), [&](const Page& page) {
         if (arguments.json) {
-            printPageJson(std::cout, page);
+            printJsonLine(std::cout, jsonOf(page));
         } else {
             printPage(std::cout, page, bold);
         }
@@ -78,7 +84,7 @@ int typeKeys(const TypeArguments& arguments) {
         report("a source has not answered in time, so a late page may be missing; --trace and --log show more");
         succeeded = false;
     }
-    if (hasSearchWithoutSource(session.trace())) {
+    if (haveAllSourcesFailed(session.trace())) {
         report("every source that was asked failed, so nothing could be found; the lines above say what to mend");
         succeeded = false;
     }
