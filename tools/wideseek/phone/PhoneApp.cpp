@@ -3,9 +3,10 @@
 #include "app/Gui/Logic/Wideseek/modWideseek.h"
 #include "platform/CommonAPI.h"
 #include "tools/wideseek/Interrupt.h"
-#include "tools/wideseek/PhoneArguments.h"
+#include "tools/wideseek/phone/PhoneFrame.h"
 #include "tools/wideseek/phone/PhoneScreens.h"
 
+#include <algorithm>
 #include <array>
 #include <ctime>
 #include <stdexcept>
@@ -15,7 +16,7 @@ namespace wideseek {
 
 namespace {
 
-// Keys that act on rows wait for them no longer than this.
+// Keys that act on rows wait for them no longer than this, and no news is waited for longer.
 constexpr auto longestWait = std::chrono::seconds(1);
 
 constexpr int wheelRows = 3;
@@ -53,6 +54,22 @@ std::optional<LineEdit> editOf(Key key) {
     }
 }
 
+bool movesCursor(Key key) {
+    switch (key) {
+    case Key::up:
+    case Key::down:
+    case Key::pageUp:
+    case Key::pageDown:
+    case Key::first:
+    case Key::last:
+    case Key::wheelUp:
+    case Key::wheelDown:
+        return true;
+    default:
+        return false;
+    }
+}
+
 double millisecondsSince(std::chrono::steady_clock::time_point time) {
     return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - time).count();
 }
@@ -60,11 +77,10 @@ double millisecondsSince(std::chrono::steady_clock::time_point time) {
 } // namespace
 
 PhoneApp::PhoneApp(const host::PhoneOptions& options)
-    : m_terminal(std::in_place), m_root(options.root.string()), m_sourceList(sourceListOf(options.root)),
-      m_phone(options) {
+    : m_terminal(std::in_place), m_phone(options), m_problems(m_phone, m_watch), m_rowSources(m_phone) {
     m_phone.setTrace(&m_watch);
     m_phone.watchSourceList();
-    m_model.setHeight(rowsOnScreen());
+    m_model.setHeight(linesOnScreen());
     attach();
 }
 
@@ -88,6 +104,10 @@ std::vector<std::string> PhoneApp::run() {
 void PhoneApp::serveInputs() {
     while (!m_inputs.empty() && !m_leaving) {
         if (mustWait(m_inputs.front().key)) {
+            if (isOvertaken()) {
+                m_inputs.pop_front();
+                continue;
+            }
             search();
             if (Clock::now() < m_asked + longestWait) {
                 return;
@@ -105,22 +125,22 @@ bool PhoneApp::mustWait(Key key) const {
         return false;
     }
     switch (key) {
-    case Key::up:
-    case Key::down:
-    case Key::pageUp:
-    case Key::pageDown:
-    case Key::first:
-    case Key::last:
-    case Key::wheelUp:
-    case Key::wheelDown:
-        return m_model.isAwaitingPage();
     case Key::enter:
     case Key::details:
     case Key::copy:
         return !m_model.isSettled();
     default:
-        return false;
+        return movesCursor(key) && m_model.isAwaitingPage();
     }
+}
+
+// The first key moves the cursor, and nobody will see where to: a new search, which puts it on the first row, has been
+// typed behind it. So what is typed is shown and searched for without waiting for rows that nobody means any more.
+bool PhoneApp::isOvertaken() const {
+    const auto next =
+        std::find_if(m_inputs.begin(), m_inputs.end(), [](const Input& input) { return !movesCursor(input.key); });
+    return next != m_inputs.begin() && next != m_inputs.end() &&
+           (next->key == Key::escape || (next->key == Key::character && m_model.typed().hasRoomFor(next->text)));
 }
 
 void PhoneApp::handle(const Input& input) {
@@ -135,7 +155,7 @@ void PhoneApp::handle(const Input& input) {
         repaint();
         break;
     case Key::resize:
-        m_model.setHeight(rowsOnScreen());
+        m_model.setHeight(linesOnScreen());
         break;
     default:
         m_status.message.clear();
@@ -184,18 +204,18 @@ void PhoneApp::handleOnSearch(const Input& input) {
         pointAt(input.line);
         break;
     case Key::doubleClick:
-        if (m_model.selected() && m_model.line() == rowOnLine(input.line)) {
+        if (m_model.selected() && m_model.line() == rowOnLine(m_model, input.line)) {
             dial();
         }
         break;
     case Key::help:
-        openText(helpScreen());
+        openHelp();
         break;
     case Key::entry:
         m_model.switchEntry();
         break;
     case Key::details:
-        openText(detailsScreen());
+        openDetails();
         break;
     case Key::copy:
         copy();
@@ -207,6 +227,9 @@ void PhoneApp::handleOnSearch(const Input& input) {
 
 void PhoneApp::handleOnText(const Input& input) {
     constexpr int page = 8;
+    if (m_contact && handleOnDetails(input)) {
+        return;
+    }
     switch (input.key) {
     case Key::up:
     case Key::down:
@@ -232,13 +255,58 @@ void PhoneApp::handleOnText(const Input& input) {
     }
 }
 
-void PhoneApp::openText(TextScreen text) {
-    m_text = std::move(text);
+// The keys that act on the contact's numbers. False: the key is none of them.
+bool PhoneApp::handleOnDetails(const Input& input) {
+    const std::string number = m_contact->numbers[m_contact->chosen];
+    switch (input.key) {
+    case Key::up:
+        if (m_text->top > 0 || m_contact->chosen == 0) {
+            return false;
+        }
+        --m_contact->chosen;
+        m_text->revealing = true;
+        return true;
+    case Key::down:
+        if (m_contact->chosen + 1 == m_contact->numbers.size()) {
+            return false;
+        }
+        ++m_contact->chosen;
+        m_text->revealing = true;
+        return true;
+    case Key::enter: {
+        const std::string name = m_contact->name;
+        closeText();
+        dial(name, number);
+        return true;
+    }
+    case Key::copy:
+        closeText();
+        copy(number);
+        return true;
+    default:
+        return false;
+    }
+}
+
+void PhoneApp::openHelp() {
+    m_text = helpScreen();
+    detach();
+}
+
+void PhoneApp::openDetails() {
+    const WideseekItemData* row = m_model.selected();
+    m_contact = row ? std::optional(detailsOf(*row, m_phone)) : std::nullopt;
+    m_detailed = true;
+    m_text.emplace();
+    m_text->revealing = m_contact.has_value();
+    refreshDetails();
     detach();
 }
 
 void PhoneApp::closeText() {
     m_text.reset();
+    m_contact.reset();
+    m_detailed = false;
     attach();
     m_model.comeBack();
 }
@@ -276,6 +344,7 @@ void PhoneApp::takePage(const WideseekListData& page) {
     if (!m_model.takePage(page)) {
         return;
     }
+    m_rowSources.forget();
     m_changed = true;
     if (m_answered) {
         m_status.lateTime = millisecondsSince(m_keyAsked);
@@ -287,7 +356,7 @@ void PhoneApp::takePage(const WideseekListData& page) {
 
 // The rows may be those of the key before, which nobody means any more.
 void PhoneApp::pointAt(int line) {
-    const int row = rowOnLine(line);
+    const int row = rowOnLine(m_model, line);
     if (m_model.isSettled() && row >= 0 && row < static_cast<int>(m_model.rows().size())) {
         m_model.moveBy(row - m_model.line());
     }
@@ -301,7 +370,10 @@ std::string PhoneApp::typedNumber() const {
 
 void PhoneApp::copy() {
     const WideseekItemData* row = m_model.selected();
-    const std::string number = row ? row->strNumber : typedNumber();
+    copy(row ? row->strNumber : typedNumber());
+}
+
+void PhoneApp::copy(const std::string& number) {
     if (number.empty()) {
         m_status.message = "There is no number to copy.";
         return;
@@ -317,6 +389,10 @@ void PhoneApp::dial() {
         name = row->strName == row->strNumber ? std::string() : row->strName;
         number = row->strNumber;
     }
+    dial(name, number);
+}
+
+void PhoneApp::dial(const std::string& name, const std::string& number) {
     if (number.empty()) {
         m_status.message = "There is no number to dial.";
         return;
@@ -328,39 +404,37 @@ void PhoneApp::dial() {
     }
 }
 
-// The newest problem is shown until the next key.
+// The newest problem is shown until the next key, those that stand for as long as they do.
 void PhoneApp::collectProblems() {
-    std::vector<std::string> seen = m_phone.problems(m_phoneProblems);
-    m_phoneProblems += seen.size();
-    for (std::string& note : m_sourceList.take()) {
-        seen.push_back(std::move(note));
+    const std::string newest = m_problems.takeNew();
+    if (!newest.empty()) {
+        m_status.message = std::string(problemPrefix) + newest;
     }
-    for (const SourceTrace& source : m_watch.lastSearch()) {
-        if (!source.problem.empty()) {
-            seen.push_back(source.problem);
-        }
-    }
-    for (const std::string& problem : seen) {
-        if (m_problems.add(problem)) {
-            const bool ofPhone = problem.starts_with(m_root + "/");
-            m_status.message = std::string(problemPrefix) + problem.substr(ofPhone ? m_root.size() + 1 : 0);
-        }
-    }
+    m_status.standing = m_problems.standing();
 }
 
-TextScreen PhoneApp::detailsScreen() const {
-    return wideseek::detailsScreen(m_model.selected(), m_watch.lastSearch(), m_problems.all());
+// A source may have answered since.
+void PhoneApp::refreshDetails() {
+    TextScreen text = detailsScreen(m_contact ? &*m_contact : nullptr, m_watch, m_problems.all());
+    text.top = m_text->top;
+    text.revealing = m_text->revealing;
+    m_text = std::move(text);
 }
 
 void PhoneApp::paint() {
+    if (m_detailed) {
+        refreshDetails();
+    }
     if (m_text) {
         paintText(*m_text);
-    } else {
-        paintSearch(m_model, m_status);
+        return;
     }
+    // Recent calls are the call log's.
+    m_style.sources = m_model.rowsKey().empty() ? std::vector<std::string>() : m_rowSources.of(m_model.rows());
+    paintSearch(m_model, m_status, m_style);
 }
 
-// Until there is something to do.
+// Until there is something to do; not for long, as a file may be mended or spoilt meanwhile.
 void PhoneApp::wait() {
     const std::size_t unserved = m_inputs.size();
     const bool ldapAsked = m_status.ldapAsked = m_watch.isLdapAsked();
@@ -368,7 +442,7 @@ void PhoneApp::wait() {
         m_terminal->read(m_inputs);
         return m_changed || m_inputs.size() > unserved || interruptedBy() || m_watch.isLdapAsked() != ldapAsked;
     };
-    m_phone.kernel().serveMain(isAwaited, unserved > 0 ? host::Duration(longestWait) : std::chrono::hours(1));
+    m_phone.kernel().serveMain(isAwaited, longestWait);
     m_changed = false;
     m_status.ldapAsked = m_watch.isLdapAsked();
 }
