@@ -3,8 +3,8 @@
 #include "app/Gui/Logic/Wideseek/modWideseek.h"
 #include "platform/CommonAPI.h"
 #include "tools/wideseek/Interrupt.h"
+#include "tools/wideseek/phone/KeyKinds.h"
 #include "tools/wideseek/phone/PhoneFrame.h"
-#include "tools/wideseek/phone/PhoneScreens.h"
 
 #include <algorithm>
 #include <array>
@@ -19,55 +19,12 @@ namespace {
 // Keys that act on rows wait for them no longer than this, and no news is waited for longer.
 constexpr auto longestWait = std::chrono::seconds(1);
 
-constexpr int wheelRows = 3;
-
 std::string timeOfDay() {
     const std::time_t now = std::time(nullptr);
     std::tm local = {};
     localtime_r(&now, &local);
     std::array<char, 32> text{};
     return {text.data(), std::strftime(text.data(), text.size(), "%a %d %b %H:%M", &local)};
-}
-
-std::optional<LineEdit> editOf(Key key) {
-    switch (key) {
-    case Key::left:
-        return LineEdit::left;
-    case Key::right:
-        return LineEdit::right;
-    case Key::toBegin:
-        return LineEdit::toBegin;
-    case Key::toEnd:
-        return LineEdit::toEnd;
-    case Key::eraseBefore:
-        return LineEdit::eraseBefore;
-    case Key::eraseAfter:
-        return LineEdit::eraseAfter;
-    case Key::eraseWord:
-        return LineEdit::eraseWord;
-    case Key::eraseToBegin:
-        return LineEdit::eraseToBegin;
-    case Key::eraseToEnd:
-        return LineEdit::eraseToEnd;
-    default:
-        return std::nullopt;
-    }
-}
-
-bool movesCursor(Key key) {
-    switch (key) {
-    case Key::up:
-    case Key::down:
-    case Key::pageUp:
-    case Key::pageDown:
-    case Key::first:
-    case Key::last:
-    case Key::wheelUp:
-    case Key::wheelDown:
-        return true;
-    default:
-        return false;
-    }
 }
 
 double millisecondsSince(std::chrono::steady_clock::time_point time) {
@@ -121,7 +78,7 @@ void PhoneApp::serveInputs() {
 
 // Keys that act on rows are served once the rows of what was typed before them are here.
 bool PhoneApp::mustWait(Key key) const {
-    if (m_text) {
+    if (m_side) {
         return false;
     }
     switch (key) {
@@ -159,8 +116,8 @@ void PhoneApp::handle(const Input& input) {
         break;
     default:
         m_status.message.clear();
-        if (m_text) {
-            handleOnText(input);
+        if (m_side) {
+            handleOnSide(input);
         } else {
             handleOnSearch(input);
         }
@@ -209,13 +166,13 @@ void PhoneApp::handleOnSearch(const Input& input) {
         }
         break;
     case Key::help:
-        openHelp();
+        open(SideScreen::help());
         break;
     case Key::entry:
         m_model.switchEntry();
         break;
     case Key::details:
-        openDetails();
+        open(details());
         break;
     case Key::copy:
         copy();
@@ -225,90 +182,33 @@ void PhoneApp::handleOnSearch(const Input& input) {
     }
 }
 
-void PhoneApp::handleOnText(const Input& input) {
-    constexpr int page = 8;
-    if (m_contact && handleOnDetails(input)) {
+void PhoneApp::handleOnSide(const Input& input) {
+    const SideScreen::Wish wish = m_side->serve(input);
+    if (wish == SideScreen::Wish::stay) {
         return;
     }
-    switch (input.key) {
-    case Key::up:
-    case Key::down:
-        m_text->top += input.key == Key::up ? -1 : 1;
-        break;
-    case Key::pageUp:
-    case Key::pageDown:
-        m_text->top += input.key == Key::pageUp ? -page : page;
-        break;
-    case Key::wheelUp:
-    case Key::wheelDown:
-        m_text->top += input.key == Key::wheelUp ? -wheelRows : wheelRows;
-        break;
-    case Key::click:
-    case Key::doubleClick:
-        break;
-    case Key::character:
-        closeText();
-        handleOnSearch(input);
-        break;
-    default:
-        closeText();
-    }
-}
-
-// The keys that act on the contact's numbers. False: the key is none of them.
-bool PhoneApp::handleOnDetails(const Input& input) {
-    const std::string number = m_contact->numbers[m_contact->chosen];
-    switch (input.key) {
-    case Key::up:
-        if (m_text->top > 0 || m_contact->chosen == 0) {
-            return false;
-        }
-        --m_contact->chosen;
-        m_text->revealing = true;
-        return true;
-    case Key::down:
-        if (m_contact->chosen + 1 == m_contact->numbers.size()) {
-            return false;
-        }
-        ++m_contact->chosen;
-        m_text->revealing = true;
-        return true;
-    case Key::enter: {
-        const std::string name = m_contact->name;
-        closeText();
-        dial(name, number);
-        return true;
-    }
-    case Key::copy:
-        closeText();
-        copy(number);
-        return true;
-    default:
-        return false;
-    }
-}
-
-void PhoneApp::openHelp() {
-    m_text = helpScreen();
-    detach();
-}
-
-void PhoneApp::openDetails() {
-    const WideseekItemData* row = m_model.selected();
-    m_contact = row ? std::optional(detailsOf(*row, m_phone)) : std::nullopt;
-    m_detailed = true;
-    m_text.emplace();
-    m_text->revealing = m_contact.has_value();
-    refreshDetails();
-    detach();
-}
-
-void PhoneApp::closeText() {
-    m_text.reset();
-    m_contact.reset();
-    m_detailed = false;
+    const std::string name = m_side->name();
+    const std::string number = m_side->number();
+    m_side.reset();
     attach();
     m_model.comeBack();
+    if (wish == SideScreen::Wish::dial) {
+        dial(name, number);
+    } else if (wish == SideScreen::Wish::copy) {
+        copy(number);
+    } else if (wish == SideScreen::Wish::type) {
+        handleOnSearch(input);
+    }
+}
+
+void PhoneApp::open(SideScreen side) {
+    m_side = std::move(side);
+    detach();
+}
+
+SideScreen PhoneApp::details() const {
+    const WideseekItemData* row = m_model.selected();
+    return SideScreen::details(row ? std::optional(detailsOf(*row, m_phone)) : std::nullopt);
 }
 
 void PhoneApp::attach() {
@@ -407,26 +307,15 @@ void PhoneApp::dial(const std::string& name, const std::string& number) {
 // The newest problem is shown until the next key, those that stand for as long as they do.
 void PhoneApp::collectProblems() {
     const std::string newest = m_problems.takeNew();
-    if (!newest.empty()) {
+    m_status.standing = m_problems.standing();
+    if (!newest.empty() && m_status.standing.find(newest) == std::string::npos) {
         m_status.message = std::string(problemPrefix) + newest;
     }
-    m_status.standing = m_problems.standing();
-}
-
-// A source may have answered since.
-void PhoneApp::refreshDetails() {
-    TextScreen text = detailsScreen(m_contact ? &*m_contact : nullptr, m_watch, m_problems.all());
-    text.top = m_text->top;
-    text.revealing = m_text->revealing;
-    m_text = std::move(text);
 }
 
 void PhoneApp::paint() {
-    if (m_detailed) {
-        refreshDetails();
-    }
-    if (m_text) {
-        paintText(*m_text);
+    if (m_side) {
+        m_side->paint(m_watch, m_problems.all());
         return;
     }
     // Recent calls are the call log's.

@@ -8,14 +8,13 @@
 #include "host/Phone.h"
 #include "tools/wideseek/Library.h"
 #include "tools/wideseek/Screen.h"
-#include "tools/wideseek/phone/ContactDetails.h"
 #include "tools/wideseek/phone/PhoneModel.h"
 #include "tools/wideseek/phone/PhoneProblems.h"
 #include "tools/wideseek/phone/PhoneView.h"
 #include "tools/wideseek/phone/RowSources.h"
+#include "tools/wideseek/phone/SideScreen.h"
 #include "tools/wideseek/phone/SourceWatch.h"
 #include "tools/wideseek/phone/Terminal.h"
-#include "tools/wideseek/phone/TextScreen.h"
 
 #include <chrono>
 #include <deque>
@@ -46,11 +45,9 @@ private:
     bool isOvertaken() const;
     void handle(const Input& input);
     void handleOnSearch(const Input& input);
-    void handleOnText(const Input& input);
-    bool handleOnDetails(const Input& input);
-    void openHelp();
-    void openDetails();
-    void closeText();
+    void handleOnSide(const Input& input);
+    void open(SideScreen side);
+    SideScreen details() const;
     void attach();
     void detach();
     void search();
@@ -62,7 +59,6 @@ private:
     void copy(const std::string& number);
     std::string typedNumber() const;
     void collectProblems();
-    void refreshDetails();
     void paint();
     void wait();
 
@@ -72,9 +68,7 @@ private:
     Library m_library;
     PhoneProblems m_problems;
     std::optional<Screen> m_screen;
-    std::optional<TextScreen> m_text;        // in place of the search screen
-    std::optional<ContactDetails> m_contact; // that it shows
-    bool m_detailed = false;                 // it is the details, with a contact or without
+    std::optional<SideScreen> m_side; // in place of the search screen
 
     RowSources m_rowSources;
     RowStyle m_style;

@@ -13,6 +13,10 @@ constexpr int wideWidth = 120;
 constexpr int nameStep = 4;
 constexpr int numberStep = 2;
 
+// Most names and numbers are no wider, so that few rows make their columns grow.
+constexpr int usualName = 20;
+constexpr int usualNumber = 14;
+
 // What each column gets before any gets more; enough for a number of fifteen digits, and for most labels of sources.
 constexpr int numberShare = 16;
 constexpr int sourceShare = 12;
@@ -61,8 +65,8 @@ void RowColumns::fit(int screen, const Widths& needed, bool recent) {
     if (hasSource) {
         give(&Widths::source, screen);
     }
-    widen(&Widths::number, stepped(given.number, numberStep));
-    widen(&Widths::name, stepped(given.name, nameStep));
+    widen(&Widths::number, std::max(usualNumber, stepped(given.number, numberStep)));
+    widen(&Widths::name, std::max(usualName, stepped(given.name, nameStep)));
     given.extra += left;
     if (given.extra < leastExtra) {
         given.name += given.extra + gap;
