@@ -186,8 +186,10 @@ int PhoneModel::pageHeight() const {
     return isRecent() ? std::max(1, m_height - 1) : m_height;
 }
 
+// Recent calls are shown as they come, as far as the cursor at least; all others wait for a full screen.
 bool PhoneModel::covers(int from, int count) const {
-    return from <= m_top && std::min(m_top + pageHeight(), total()) <= from + count;
+    const int end = isRecent() ? m_top + m_line + 1 : m_top + pageHeight();
+    return from <= m_top && std::min(end, total()) <= from + count;
 }
 
 // A page before and a page behind the one that is shown, so that the next step of the cursor need not wait.

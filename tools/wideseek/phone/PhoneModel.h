@@ -9,7 +9,7 @@
 // The rows shown change all at once, when those for the wanted place are here; until then the old ones stay. A page
 // that nobody waits for (a late one, or the first one after coming back to the screen) leaves the cursor on the same
 // name and number in the same line of the screen, wherever that row stands by then. The library hands out recent calls
-// by ten; they are asked for until they fill the screen.
+// by ten; they are asked for until they fill the screen, and shown as they come.
 //
 // One thread. Indices count from 0.
 #pragma once
