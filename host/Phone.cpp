@@ -9,6 +9,8 @@
 #include "host/files/SettingsCheck.h"
 #include "host/ldap/EmbeddedLdap.h"
 #include "host/ldap/server/ServerLdap.h"
+#include "host/sources/ContactLookup.h"
+#include "host/sources/SourceNames.h"
 #include "host/text/NumberForm.h"
 
 #include <iterator>
@@ -83,28 +85,32 @@ text::DiallingRules configuredDialling(PhoneCore& core) {
     return rules;
 }
 
-// The directory that the section [ldap] of the configuration describes; none when it cannot be used.
-std::shared_ptr<LdapDirectory> configuredLdap(const std::shared_ptr<PhoneCore>& core) {
+struct ConfiguredLdap {
+    std::shared_ptr<LdapDirectory> directory;        // null: none that can be used
+    std::shared_ptr<const ContactLookup> contacts{}; // of a directory that answers from a file
+};
+
+// The directory that the section [ldap] of the configuration describes.
+ConfiguredLdap configuredLdap(const std::shared_ptr<PhoneCore>& core) {
     ConfigFile& config = core->configFile;
     if (reportUnknownSettings(*core).contains("ldap")) {
         core->addProblem(config.path().string() +
                          ": LDAP is not asked, since a misspelt setting may be what protects the password; mend it");
-        return nullptr;
+        return {};
     }
     const std::string mode = config.value("ldap", "mode").value_or("embedded");
     if (mode == "server") {
-        return serverLdap(core);
+        return {serverLdap(core)};
     }
     if (mode != "embedded") {
         core->addProblem(config.path().string() + ": [ldap] mode = " + mode +
                          " is not known; write embedded or server");
-        return nullptr;
+        return {};
     }
     const std::chrono::milliseconds delay(config.integer("ldap", "delay_ms").value_or(usualLdapDelay.count()));
-    return std::make_shared<EmbeddedLdap>(
-        core->kernel,
-        std::make_unique<FileDirectory>(core->realPath("/config/contacts/ldap_directory.csv"), problemSink(core)),
-        core->options.ldapDelay.value_or(delay));
+    const auto contacts =
+        std::make_shared<FileDirectory>(core->realPath("/config/contacts/ldap_directory.csv"), problemSink(core));
+    return {std::make_shared<EmbeddedLdap>(core->kernel, contacts, core->options.ldapDelay.value_or(delay)), contacts};
 }
 
 } // namespace
@@ -119,18 +125,24 @@ Phone::Phone(PhoneOptions options) : m_core(std::make_shared<PhoneCore>(std::mov
 
 void Phone::openContactFiles() {
     const ProblemSink sink = problemSink(m_core);
-    const auto open = [&](Source source, std::string_view path) {
-        setSource(source, std::make_shared<FileDirectory>(m_core->realPath(path), sink));
+    const auto open = [&](Source source, std::string_view name, std::string_view path) {
+        const auto directory = std::make_shared<FileDirectory>(m_core->realPath(path), sink);
+        setSource(source, directory);
+        m_lookups[name] = directory;
     };
-    open(Source::localDirectory, "/config/contacts/local_directory.csv");
-    open(Source::remoteDirectory, "/config/contacts/remote_directory.csv");
-    open(Source::broadSoftDirectory, "/config/contacts/broadsoft_directory.csv");
+    open(Source::localDirectory, sourceName::localDirectory, "/config/contacts/local_directory.csv");
+    open(Source::remoteDirectory, sourceName::remoteDirectory, "/config/contacts/remote_directory.csv");
+    open(Source::broadSoftDirectory, sourceName::broadSoftDirectory, "/config/contacts/broadsoft_directory.csv");
     m_callLog = std::make_shared<CallLogFile>(m_core->realPath("/config/contacts/call_log.csv"), sink);
     setSource(Source::callLog, m_callLog);
     setRecentCalls(m_callLog);
-    m_presence = std::make_unique<PresenceFile>(m_core->realPath("/config/contacts/presence_buddies.json"), sink);
+    m_lookups[sourceName::callLog] = m_callLog;
+    m_presence = std::make_shared<PresenceFile>(m_core->realPath("/config/contacts/presence_buddies.json"), sink);
     setPresence(m_presence.get());
-    setLdap(configuredLdap(m_core));
+    m_lookups[sourceName::presence] = m_presence;
+    ConfiguredLdap ldap = configuredLdap(m_core);
+    setLdap(std::move(ldap.directory));
+    m_lookups[sourceName::ldap] = std::move(ldap.contacts);
 }
 
 Phone::~Phone() {
@@ -169,6 +181,11 @@ void Phone::addOutgoingCall(const GeneralDirItemData& call) {
     if (m_callLog) {
         m_callLog->add(call);
     }
+}
+
+const ContactLookup* Phone::lookup(std::string_view sourceName) const {
+    const auto found = m_lookups.find(sourceName);
+    return found == m_lookups.end() ? nullptr : found->second.get();
 }
 
 void Phone::setConfig(std::string_view key, int value) {

@@ -20,6 +20,7 @@
 
 #include "platform/Presence.h"
 
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -28,6 +29,7 @@
 namespace host {
 
 class CallLogFile;
+class ContactLookup;
 class FileWatch;
 class PhoneCore;
 class PresenceFile;
@@ -55,6 +57,11 @@ public:
     // call log's file stays as it is. Without contact files there is no call log to add to, and nothing happens. Any
     // thread.
     void addOutgoingCall(const GeneralDirItemData& call);
+
+    // Finds contacts again in the file behind a source, by the name of the source (sources/SourceNames.h). Null when
+    // there is no such file: without contact files, for an LDAP server, for a name that is not known. It lives as long
+    // as the phone. Any thread.
+    const ContactLookup* lookup(std::string_view sourceName) const;
 
     // A value of the phone's configuration in place of the configuration file's. Any thread.
     void setConfig(std::string_view key, int value);
@@ -100,8 +107,10 @@ private:
 
     const std::shared_ptr<PhoneCore> m_core;
     std::shared_ptr<CallLogFile> m_callLog;   // null without contact files
-    std::unique_ptr<PresenceFile> m_presence; // null without contact files
+    std::shared_ptr<PresenceFile> m_presence; // null without contact files
     std::unique_ptr<FileWatch> m_watch;       // null while nothing is watched
+
+    std::map<std::string_view, std::shared_ptr<const ContactLookup>> m_lookups; // by source; as the phone was made
 };
 
 } // namespace host

@@ -15,6 +15,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <fstream>
 #include <limits>
@@ -277,6 +278,46 @@ TEST_F(Files, AreReadAgainWhenTheyChangeAndTellEachProblemOnce) {
     fails("larger than 256 MiB");
 }
 
+// What a source knows of a row.
+std::string known(const host::ContactLookup& lookup, const std::string& name, const std::string& number) {
+    const std::array rows = {host::NameAndNumber{"Nobody", number}, host::NameAndNumber{name, number}};
+    const auto contact = lookup.find(rows[1]);
+    EXPECT_EQ(lookup.holds(rows), (std::vector<bool>{false, contact.has_value()})) << name << number;
+    std::string text = contact ? "" : "not held";
+    for (const std::string& each : contact ? contact->numbers : Strings()) {
+        text += each + " ";
+    }
+    for (const auto& fact : contact ? contact->facts : std::vector<host::KnownContact::Fact>()) {
+        text += fact.label + "=" + fact.value + " ";
+    }
+    return text;
+}
+
+TEST_F(Files, FindTheContactOfARowAgainAsItWasReadLast) {
+    host::FileDirectory directory(m_path, m_sink);
+    write("name,number1,number2,number3,extra\nAnn,1,2,,a\nAnn,3,1,,b\nAn,n1,,4,c\nann,5,,,d\nBo,6,,,\n");
+    EXPECT_EQ(known(directory, "Ann", "1"), "not held") << "nothing has been read";
+    found(directory, "");
+    const struct {
+        const char *name, *number, *contact;
+    } rows[] = {{"Ann", "1", "1 2 Extra=a "},
+                {"Ann", "3", "3 1 Extra=b "},
+                {"An", "4", "n1 4 Extra=c "},
+                {"ann", "5", "5 Extra=d "},
+                {"Bo", "6", "6 "},
+                {"Ann", "4", "not held"},
+                {"ANN", "1", "not held"},
+                {"Ann", "+1", "not held"},
+                {"An", "1", "not held"}};
+    for (const auto& row : rows) {
+        EXPECT_EQ(known(directory, row.name, row.number), row.contact) << row.name << row.number;
+    }
+    write("name,number\nBo,7\n");
+    EXPECT_EQ(known(directory, "Bo", "6"), "6 ") << "what was searched last";
+    found(directory, "");
+    EXPECT_EQ(known(directory, "Bo", "6") + known(directory, "Bo", "7"), "not held7 ");
+}
+
 TEST_F(Files, AreSearchedByManyThreadsWhileTheyChange) {
     write("name,number\nOne,1\n");
     host::FileDirectory directory(m_path, nullptr);
@@ -285,6 +326,9 @@ TEST_F(Files, AreSearchedByManyThreadsWhileTheyChange) {
         while (!ended) {
             const Strings hits = found(directory, "1");
             EXPECT_TRUE(hits == Strings{"One|1|||"} || hits == (Strings{"Two|1|||", "Six|1|||"}));
+            const std::array rows = {host::NameAndNumber{"Two", "1"}, host::NameAndNumber{"Six", "1"}};
+            const std::vector<bool> held = directory.holds(rows);
+            EXPECT_EQ(held[0], held[1]) << "of one reading of the file";
         }
     };
     const std::jthread threads[] = {std::jthread(search), std::jthread(search), std::jthread(search)};
@@ -330,9 +374,13 @@ TEST_F(Files, OfCallsGiveTheNewestFirstAndEachPersonOnce) {
     EXPECT_EQ(outgoing(log, -1, 10), Strings{"-1"});
     EXPECT_EQ(outgoing(log, 0, -1), Strings{"-1"});
 
+    EXPECT_EQ(known(log, "Ann", "1"), "1 Extra=first Last call=made 2026-11-20 09:00:00 ");
+    EXPECT_EQ(known(log, "", "3"), "3 Extra=third Last call=missed 2026-11-21 08:00:00 ");
+
     log.add({"Di", "8", "then"});
     log.add({"Cy", "6", ""});
     EXPECT_EQ(outgoing(log, 0, 2), (Strings{"5", "Cy|6|", "Di|8|then"}));
+    EXPECT_EQ(known(log, "Di", "8"), "8 Extra=then ");
     write("time,direction,number\n9999-12-31T23:59:59,out,7\n");
     EXPECT_EQ(outgoing(log, 0, 9), (Strings{"3", "Cy|6|", "Di|8|then", "|7|"}))
         << "an added call outlives a change of the file, and is newer whatever the file says";

@@ -46,7 +46,7 @@ def see_before_ldap(pattern, what, *keys):
     """Types keys into the empty box and waits for pattern; again where the machine was too slow to beat LDAP."""
     for _ in range(4):
         press(ESCAPE)
-        see(r"^ Search  +letters(.|\n)*1-\d of \d ", "the recent calls")
+        see(r"^ Search  +letters(.|\n)*Recent calls(.|\n)*1-16 of \d+ ", "the recent calls")
         press(*keys)
         lines = see(f"{pattern}|late page", what)
         if re.search(pattern, "\n".join(lines)):
@@ -68,7 +68,16 @@ def start(*words, terminal=""):
     press(text=f"clear; {terminal} {shlex.join([TOOL, *words])}; echo \"left:$?\" `stty -g | cksum`\n")
 
 
-list_sources("local_directory_search", "ldap_search", "remote_directory_search")
+LABELS = {"local_directory_search": "Near", "ldap_search": "Group", "remote_directory_search": "Far"}
+
+
+def list_labelled_sources(last_priority=3):
+    list_sources('<item id_name="calllog_search" enable="0" priority="1"/>',
+                 *(f'<item id_name="{source}" display_name="{label}" enable="1" priority="{priority}"/>'
+                   for (source, label), priority in zip(LABELS.items(), (1, 2, last_priority))))
+
+
+list_labelled_sources()
 write("data/phone.ini", f"[features]\nFeaturesRecentCallEnable=1\n[ldap]\ndelay_ms={LDAP_DELAY}\n")
 
 
@@ -77,10 +86,11 @@ def write_contacts(source, *rows):
 
 
 write_contacts("local", *(f"Local {i:02},5300{i:02},,,Leeds" for i in range(40)),
-               "渡辺渡辺渡辺渡辺渡辺渡辺渡辺渡辺渡辺渡辺渡辺渡辺,886001,,,京都", "Plain,886002,,,x", "Be\x07ll\x1b[1m,886003,,,x")
+               "渡辺渡辺渡辺渡辺渡辺渡辺渡辺渡辺渡辺渡辺渡辺渡辺,886001,,,京都", "Plain,886002,,,x", "Be\x07ll\x1b[1m,886003,,,x", "Multi,771,772,773,desk")
 write_contacts("ldap", *(f"Ldap {i:02},5301{i:02},,,Kyiv" for i in range(7)))
 write_contacts("remote", *(f"Remote {i:02},5302{i:02},,,Rome" for i in range(40)))
-write("contacts/call_log.csv", "time,direction,name,number,extra\n2026-01-02T10:00:00,out,Kim,771,then\n")
+write("contacts/call_log.csv", "\n".join(["time,direction,name,number,extra", "2026-01-02T10:00:00,out,Kim,771,then", *(
+    f"2025-01-{i:02}T10:00:00,out,Old {i:02},99{i:02},ago" for i in range(1, 31)), ""]))
 
 try:
     tmux("new-session", "-d", "-x", "80", "-y", "24", "env", f"WIDESEEK_ROOT={ROOT}", "LC_ALL=C", "PS1=ready> ", "sh")
@@ -90,11 +100,11 @@ try:
     state = next(line for line in see(r"^state \d+", "the terminal's state") if line.startswith("state "))[6:]
 
     # Without arguments: the phone with its recent calls. A key brings rows; LDAP's come later, above the cursor.
-    start()
-    lines = see("> Kim +771 +then", "the recent call")
+    start("phone", f"--log={ROOT / 'log'}")
+    lines = see(r" Recent calls\n> Kim +771 +then(.|\n)* Old 16 +9916 +ago\n─+\n 1-16 of 31 ", "recent calls in every line")
     expect(any(re.search("2abc +3def +4ghi +5jkl", line) for line in lines), f"no keypad: {lines}")
     lines = see_before_ldap(r"1-17 of 80 +page in [\d.]+ ms .*LDAP …", "the first page while LDAP is asked", "5", "3")
-    expect(lines[0].startswith(" Search  53 ") and re.match("> Local 00 +530000 +Leeds", cursor_row(lines)[1]),
+    expect(lines[0].startswith(" Search  53 ") and re.match("> Local 00 +530000 +Near +Leeds", cursor_row(lines)[1]),
            f"key or first row: {lines}")
     moves = "NPage", "NPage", "NPage", DOWN, DOWN, DOWN, UP
     before = cursor_row(see_before_ldap(r"52-68 of 80", "a further page", "5", "3", *moves))
@@ -107,7 +117,9 @@ try:
     press(ENTER)
     see(r"Would dial 530213 \(Remote 13\)", "what would be dialled")
     press(ESCAPE)
-    lines = see("> Remote 13 +530213(.|\n)*1-2 of 2 ", "the call among the recent ones")
+    see("> Remote 13 +530213(.|\n)*1-16 of 32 ", "the call among the recent ones")
+    press("C-End", "NPage")
+    see(r" Recent calls\n  Old 16 .*(.|\n)*\n> Old 01 +9901 +ago\n─+\n 17-32 of 32 ", "a full last screen of recent calls")
 
     # No key is lost or served out of order, however fast: the third row is dialled; without a row, what was typed.
     press("5", "3", "BSpace", "3", "0", DOWN, DOWN, ENTER)
@@ -162,8 +174,9 @@ try:
     # Other screens come and go; the cursor is where it was, though LDAP has answered meanwhile.
     before = cursor_row(see_before_ldap(r"64-80 of 80 .*LDAP …", "the last page", "5", "3", "0", "C-End"))
     press("F3")
-    see(r"Number +530239(.|\n)*LDAP: (still being asked|7 found)", "the details")
-    time.sleep(LDAP_DELAY / 1000 + 0.2)
+    see(r"> Number +530239\n\n +Far\n +Numbers +530239\n +Extra +Rome(.|\n)*Near +40 found(.|\n)*"
+        r"Group +(still being asked|7 found)(.|\n)*Far +40 found", "the details")
+    see("Group +7 found", "LDAP's answer among the details")
     press("F1")
     expect(cursor_row(see(r"71-87 of 87", "the rows after the details")) == before, f"not where it was: {before}")
     press("F1")
@@ -171,12 +184,60 @@ try:
     press(ESCAPE)
     see(r"71-87 of 87", "the rows after the help")
 
+    # A contact's numbers are chosen from and dialled among its details.
+    press(ESCAPE)
+    press(text="multi")
+    see("> Multi +771 +Near +desk", "a contact with several numbers")
+    press("F3", DOWN, DOWN, UP)
+    see(r"Enter dials 772(.|\n)* +Number +771\n> +772\n +773", "the number chosen")
+    press(ENTER)
+    see(r"> Multi(.|\n)*Would dial 772 \(Multi\)", "the number dialled, and the rows again")
+
+    # However much is typed at once, it is searched for once, or not often; keys behind it wait for its rows.
+    press(ESCAPE)
+    press(text="5" * 200 + "\x15" + "530" + "\x1b[B" * 2 + "\n")
+    see(r"Would dial 530002 \(Local 02\)", "the third row of the last key")
+    asked = re.findall(r"strKey = (5*)\)", (ROOT / "log").read_text())
+    expect(sum(len(key) > 2 for key in asked) < 20, f"searched for {len(asked)} times: {asked}")
+
+    # What is wrong is told for as long as it is so, whatever is typed.
+    far = ROOT / "config/contacts/remote_directory.csv"
+    far.rename(ROOT / "far")
+    press(ESCAPE)
+    see("Recent calls", "the recent calls")
+    press("5", "3", "0", DOWN)
+    see(r"^  Local 00(.|\n)*Problem: Far failed: config/contacts/remote.* F3\n", "a source that failed")
+    press(ENTER)
+    see(r"Problem: F3(.|\n)*Would dial 530001", "that there is a problem, beside what would be dialled")
+    tmux("resize-window", "-x", "40", "-y", "12")
+    press(DOWN)
+    see(r"Problem: F3\n +Leeds", "that there is a problem, at 40 columns")
+    tmux("resize-window", "-x", "80", "-y", "24")
+    press("F3")
+    see(r"Far +failed after [\d.]+ ms: .*remote", "why the source failed")
+    (ROOT / "far").rename(far)
+    list_labelled_sources(last_priority=255)
+    press(ESCAPE, ESCAPE, "5", "3", "0")
+    see(r"Problem: config/data/wideseek.xml:1: warning: .* F3\n", "that the source list leaves a source out")
+    list_labelled_sources()
+    time.sleep(1.5)  # the phone looks twice a second
+    press(ESCAPE)
+    see("Recent calls", "the recent calls")
+    press("5", "3", "0", "C-End")
+    see(r"71-87 of 87 .*\n\nF1", "nothing wrong any more")
+
     # Any size; names are cut by their width, and cannot command the terminal.
     tmux("resize-window", "-x", "40", "-y", "12")
     lines = see(r"\d-87 of 87(.|\n)*F1 Help +F2 Digits +F3 Details +F10", "40x12")
     expect(len(lines) == 12 and "Remote 39" in cursor_row(lines)[1] and "2abc3def" in lines[1], f"40x12: {lines}")
+    tmux("resize-window", "-x", "200", "-y", "24")
+    lines = see(r"2abc  3def(.|\n)*\d-87 of 87 +page in", "200x24")
+    expect(re.search(r"^  Remote 38 +530238 +Far +Rome$", "\n".join(lines), re.M), f"200x24: {lines}")
+    expect(column_of(cursor_row(lines)[1], "Rome") < 100, f"columns far apart: {lines}")
+    tmux("resize-window", "-x", "40", "-y", "12")
     press(ESCAPE, "8", "8", "6", "0")
     lines = see("> 渡辺.*…(.|\n)*1-3 of 3 ", "rows of any script at 40x12")
+    expect(not any("Near" in line for line in lines), f"sources at 40x12: {lines}")
     columns = {column_of(line, "88600") for line in lines if "88600" in line}
     expect(len(columns) == 1, f"numbers not below each other: {lines}")
     expect(any("Be\ufffdll\ufffd[1m" in line for line in lines), f"control characters: {lines}")

@@ -1,5 +1,7 @@
-// The phone screen's model: what it asks for, what it shows and where the cursor stands, step by step.
+// The phone screen's model: what it asks for, what it shows and where the cursor stands, step by step; and the columns
+// that its rows stand in.
 #include "tools/wideseek/phone/PhoneModel.h"
+#include "tools/wideseek/phone/RowColumns.h"
 
 #include <gtest/gtest.h>
 
@@ -90,6 +92,8 @@ private:
             m_library.insert(m_library.begin(), static_cast<std::size_t>(number), "new");
         } else if (what == "without") {
             m_library.erase(m_library.begin(), m_library.begin() + number);
+        } else if (what == "only") {
+            m_library.resize(static_cast<std::size_t>(number));
         }
     }
 
@@ -132,9 +136,14 @@ TEST(PhoneModel, AsksForWhatIsMissingShowsWhatIsHereAndKeepsTheCursorOnItsRow) {
         {"ann\u00A0neil\u3000 left word x", "ann\u00A0neil\u3000:0+4 ann\u00A0\u3000:0+4 ann\u00A0x\u3000:0+4",
          "0:", "-"},
         {"abc left front begin x rest last word", "abc:0+4 c:0+4 xc:0+4 x:0+4 :0+10", "0:", "-"},
-        // The recent calls come by ten, whatever the height.
-        {"rows=9 clear page down down down down", ":0+10", "1: r1 r2 r3 r4", "r4"},
-        {"rows=9 height=20 clear page", ":0+10", "0: r0 r1 r2 r3 r4 r5 r6 r7 r8", "r0"},
+        // The recent calls come by ten and leave a line to their heading; they are asked for until they fill the rest.
+        {"rows=9 clear page down down down", ":0+10", "1: r1 r2 r3", "r3"},
+        {"rows=13 height=12 clear page", ":0+10 :10+10", "0: r0 r1 r2 r3 r4 r5 r6 r7 r8 r9", "r0"},
+        {"rows=13 height=12 clear page page down", ":0+10 :10+10", "0: r0 r1 r2 r3 r4 r5 r6 r7 r8 r9 r10", "r1"},
+        {"rows=25 clear page end page pgup page", ":0+10 :22+10 :19+10", "19: r19 r20 r21", "r21"},
+        {"rows=13 height=12 clear page page end away page page", ":0+10 :10+10 :2+10 :12+10",
+         "2: r2 r3 r4 r5 r6 r7 r8 r9 r10 r11 r12", "r12"},
+        {"rows=25 height=12 clear page only=3 page page", ":0+10 :10+10 :0+10", "0: r0 r1 r2", "r0"},
         // The cursor scrolls no further than the rows go, and waits for rows that are not here.
         {"rows=9 5 page page down down down down up", "5:0+4 5:0+12", "1: r1 r2 r3 r4", "r3"},
         {"rows=9 5 page page up", "5:0+4 5:0+12", "0: r0 r1 r2 r3", "r0"},
@@ -153,6 +162,8 @@ TEST(PhoneModel, AsksForWhatIsMissingShowsWhatIsHereAndKeepsTheCursorOnItsRow) {
         {"rows=9 5 page page without=2 page", "5:0+4 5:0+12 5:0+16", "0: r0 r1 r2 r3", "-"},
         {"rows=9 5 page page without=2 page page", "5:0+4 5:0+12 5:0+16", "0: r2 r3 r4 r5", "r2"},
         {"rows=9 5 page page end without=7 page", "5:0+4 5:0+12", "0: r7 r8", "r8"},
+        // No line stays blank at the end as long as there are rows for it.
+        {"rows=9 5 page page end up up up only=6 page", "5:0+4 5:0+12", "2: r2 r3 r4 r5", "r5"},
         // Another screen was in front, or the window has another height.
         {"rows=3 5 away page", "5:0+4 5:0+4", "0: r0 r1 r2", "r0"},
         {"rows=3 5 page down away page", "5:0+4 5:0+12", "0: r0 r1 r2", "r1"},
@@ -166,6 +177,57 @@ TEST(PhoneModel, AsksForWhatIsMissingShowsWhatIsHereAndKeepsTheCursorOnItsRow) {
         EXPECT_EQ(play.requests(), each.requests) << each.steps;
         EXPECT_EQ(play.rows(), each.rows) << each.steps;
         EXPECT_EQ(play.cursor(), each.cursor) << each.steps;
+    }
+}
+
+TEST(RowColumns, ShowAllThatThereIsRoomForAndStandStillWhileOneTypes) {
+    using Widths = wideseek::RowColumns::Widths;
+    const struct {
+        int screen;
+        Widths needed;
+        bool fits; // all that has a column; else name and number
+    } cases[] = {
+        {40, {18, 13, 8, 21}, false},  {59, {18, 13, 8, 21}, true},    {80, {26, 13, 8, 23}, true},
+        {80, {28, 13, 23, 60}, false}, {80, {4, 4, 4, 56}, true},      {120, {40, 15, 23, 24}, true},
+        {200, {70, 20, 23, 60}, true}, {200, {30, 13, 300, 9}, false},
+    };
+    for (const auto& [screen, needed, fits] : cases) {
+        wideseek::RowColumns columns;
+        columns.fit(screen, needed, false);
+        const auto name = columns.name();
+        const auto number = columns.number();
+        EXPECT_GE(name.width, needed.name) << screen;
+        EXPECT_GE(number.width, needed.number) << screen;
+        EXPECT_EQ(columns.source().width > 0, screen >= wideseek::RowColumns::widthForSource) << screen;
+        EXPECT_EQ(columns.extra().width >= needed.extra &&
+                      (screen < wideseek::RowColumns::widthForSource || columns.source().width >= needed.source),
+                  fits)
+            << screen;
+        EXPECT_LE(number.begin - name.width, 8) << "a narrow table on a screen of " << screen;
+
+        // Rows that need less, and then a little more, leave everything where it is until the key is cleared.
+        columns.fit(screen, {needed.name - 3, 3, 3, 3}, false);
+        EXPECT_EQ(columns.number().begin, number.begin) << screen;
+        wideseek::RowColumns fresh;
+        fresh.fit(screen, {3, 3, 3, 3}, true);
+        columns.fit(screen, {3, 3, 3, 3}, true);
+        EXPECT_EQ(columns.number().begin, fresh.number().begin) << screen;
+    }
+    for (int screen = 40; screen <= 200; ++screen) {
+        for (const Widths& greedy : {Widths{300, 300, 300, 300}, Widths{300, 0, 0, 0}, Widths{0, 300, 0, 300}}) {
+            wideseek::RowColumns columns;
+            columns.fit(screen, greedy, false);
+            int end = 0;
+            for (const auto& column : {columns.name(), columns.number(), columns.source(), columns.extra()}) {
+                if (column.width > 0) {
+                    EXPECT_GT(column.begin, end) << screen;
+                    end = column.begin + column.width;
+                }
+            }
+            EXPECT_LE(end, screen);
+            EXPECT_GE(columns.number().width, std::min(greedy.number, 14)) << screen;
+            EXPECT_GE(columns.name().width, std::min(greedy.name, 14)) << screen;
+        }
     }
 }
 

@@ -57,6 +57,11 @@ TEST_F(PresenceFile, ABuddyMatchesByItsNameAndFirstThreeNumbers) {
     ASSERT_NE(file.GetContactDetail(info, PRESENCE_TYPE_BUDDY, 0), 0);
     EXPECT_EQ(std::tie(info.strName, info.strInfo1, info.strInfo2), std::tuple("Zoë Ångström", "i1", "i2"));
     EXPECT_EQ(info.iInfo, 6);
+    const auto known = file.find({"Zoë Ångström", "33"});
+    ASSERT_TRUE(known);
+    EXPECT_EQ(known->numbers, (std::vector<std::string>{"+493012", "33"})) << "the row's and the others that match";
+    EXPECT_EQ(known->facts.size(), 7U) << "three informations and the four attributes that are not empty";
+    EXPECT_FALSE(file.find({"Zoë Ångström", "44"}));
     std::string attributes;
     for (const Attribute& each : info.listAttr) {
         attributes += each.strAttrName + (each.iType == ATTRIBUTE_TYPE_PHONE ? " phone " : " ") + each.strValue + "; ";

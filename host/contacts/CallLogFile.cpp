@@ -75,15 +75,44 @@ ReloadedFile<std::vector<LoggedCall>>::Made readCalls(std::string_view bytes, co
     return {std::make_shared<const std::vector<LoggedCall>>(std::move(calls)), reader.problems(), {}};
 }
 
-std::vector<DirectorySearchData> distinctPeople(const std::vector<LoggedCall>& newestFirst) {
-    std::vector<DirectorySearchData> people;
+ContactTable distinctPeople(const std::vector<LoggedCall>& newestFirst) {
+    ContactTable people;
     std::set<std::pair<std::string_view, std::string_view>> seen;
     for (const LoggedCall& call : newestFirst) {
         if (seen.emplace(call.name, call.number).second) {
-            people.push_back({call.name, call.number, {}, {}, call.extra});
+            people.add({call.name, call.number, {}, {}, call.extra});
         }
     }
     return people;
+}
+
+const char* shown(CallDirection direction) {
+    switch (direction) {
+    case CallDirection::out:
+        return "made";
+    case CallDirection::in:
+        return "taken";
+    case CallDirection::missed:
+        return "missed";
+    }
+    return "";
+}
+
+// Of calls in the file's order; null when there is none.
+const LoggedCall* newestOf(const std::vector<LoggedCall>& calls, const NameAndNumber& row) {
+    const LoggedCall* newest = nullptr;
+    for (const LoggedCall& call : calls) {
+        if (call.name == row.name && call.number == row.number && (!newest || call.time >= newest->time)) {
+            newest = &call;
+        }
+    }
+    return newest;
+}
+
+// "2026-11-20T09:12:33" as people write it.
+std::string shownTime(std::string time) {
+    std::replace(time.begin(), time.end(), 'T', ' ');
+    return time;
 }
 
 } // namespace
@@ -97,7 +126,7 @@ bool CallLogFile::search(const std::string& key, OxList<DirectorySearchData>& hi
     if (!log || !log->fromFile) {
         return false;
     }
-    log->people.appendMatches(key, hits);
+    log->people.index().appendMatches(key, hits);
     return true;
 }
 
@@ -123,9 +152,32 @@ int CallLogFile::outgoing(OxVector<GeneralDirItemData>& calls, int from, int cou
     return static_cast<int>(std::min<std::size_t>(log->outgoing.size(), std::numeric_limits<int>::max()));
 }
 
+std::vector<bool> CallLogFile::holds(std::span<const NameAndNumber> rows) const {
+    const auto log = latest();
+    return log ? log->people.holds(rows) : std::vector<bool>(rows.size());
+}
+
+std::optional<KnownContact> CallLogFile::find(const NameAndNumber& row) const {
+    const auto log = latest();
+    const auto position = log ? log->people.find({&row, 1}).front() : std::nullopt;
+    if (!position) {
+        return std::nullopt;
+    }
+    KnownContact known = knownContactOf(log->people.at(*position));
+    if (const LoggedCall* newest = log->fromFile ? newestOf(*log->fromFile, row) : nullptr) {
+        known.facts.push_back({"Last call", std::string(shown(newest->direction)) + " " + shownTime(newest->time)});
+    }
+    return known;
+}
+
 void CallLogFile::add(const GeneralDirItemData& call) {
     const std::lock_guard lock(m_mutex);
     m_added.insert(m_added.begin(), LoggedCall{{}, CallDirection::out, call.strName, call.strNumber, call.strExtra});
+}
+
+std::shared_ptr<const CallLogFile::Log> CallLogFile::latest() const {
+    const std::lock_guard lock(m_mutex);
+    return m_log;
 }
 
 std::shared_ptr<const CallLogFile::Log> CallLogFile::current(std::string& error) {
@@ -148,7 +200,7 @@ std::shared_ptr<const CallLogFile::Log> CallLogFile::current(std::string& error)
         const auto begin = calls.insert(calls.end(), fromFile->rbegin(), fromFile->rend());
         std::stable_sort(begin, calls.end(), [](const auto& a, const auto& b) { return a.time > b.time; });
     }
-    log->people = ContactIndex(distinctPeople(calls));
+    log->people = distinctPeople(calls);
     std::copy_if(calls.begin(), calls.end(), std::back_inserter(log->outgoing),
                  [](const LoggedCall& call) { return call.direction == CallDirection::out; });
     const std::lock_guard lock(m_mutex);

@@ -5,8 +5,9 @@
 // call is newer than those of the file, even if that was written by a clock ahead of this one.
 #pragma once
 
-#include "host/contacts/ContactIndex.h"
+#include "host/contacts/ContactTable.h"
 #include "host/files/ReloadedFile.h"
+#include "host/sources/ContactLookup.h"
 #include "host/sources/ContactSource.h"
 #include "host/sources/RecentCalls.h"
 
@@ -22,7 +23,7 @@ struct LoggedCall {
     std::string extra;
 };
 
-class CallLogFile : public ContactSource, public RecentCalls {
+class CallLogFile : public ContactSource, public RecentCalls, public ContactLookup {
 public:
     // problemSink may be empty. It must not ask this call log for anything.
     CallLogFile(std::filesystem::path path, ProblemSink problemSink);
@@ -34,6 +35,10 @@ public:
     // Outgoing calls, every one of them. Negative when the file cannot be read and no call was added. Any thread.
     int outgoing(OxVector<GeneralDirItemData>& calls, int from, int count, std::string& error) override;
 
+    // People of the log that was last answered from, each with the newest call of the file.
+    std::vector<bool> holds(std::span<const NameAndNumber> rows) const override;
+    std::optional<KnownContact> find(const NameAndNumber& row) const override;
+
     // Adds an outgoing call to what is answered from now on; the file stays as it is. Any thread.
     void add(const GeneralDirItemData& call);
 
@@ -44,15 +49,16 @@ private:
     struct Log {
         std::shared_ptr<const Calls> fromFile; // null: it cannot be read
         std::size_t added = 0;
-        ContactIndex people;
+        ContactTable people;
         Calls outgoing; // newest first
     };
 
     std::shared_ptr<const Log> current(std::string& error);
+    std::shared_ptr<const Log> latest() const;
 
     ReloadedFile<Calls> m_file;
 
-    std::mutex m_mutex;               // a leaf
+    mutable std::mutex m_mutex;       // a leaf
     Calls m_added;                    // guarded by m_mutex; newest first
     std::shared_ptr<const Log> m_log; // guarded by m_mutex
 };

@@ -22,6 +22,23 @@ DirectorySearchData asContact(const PresenceInfo& buddy) {
     return contact;
 }
 
+void addFact(KnownContact& known, const char* label, const std::string& value) {
+    if (!value.empty()) {
+        known.facts.push_back({label, value});
+    }
+}
+
+KnownContact knownBuddy(const PresenceInfo& buddy) {
+    KnownContact known = knownContactOf(asContact(buddy));
+    addFact(known, "Info 1", buddy.strInfo1);
+    addFact(known, "Info 2", buddy.strInfo2);
+    addFact(known, "Info", buddy.iInfo == -1 ? "" : std::to_string(buddy.iInfo));
+    for (const Attribute& attribute : buddy.listAttr) {
+        addFact(known, attribute.strAttrName.empty() ? "Attribute" : attribute.strAttrName.c_str(), attribute.strValue);
+    }
+    return known;
+}
+
 } // namespace
 
 PresenceFile::PresenceFile(std::filesystem::path path, ProblemSink problemSink)
@@ -35,7 +52,7 @@ ReloadedFile<PresenceFile::Buddies>::Made PresenceFile::read(std::string_view by
             return "the id " + std::to_string(buddy.iContactId) + " is taken by an entry before it";
         }
         buddies->infos.add(buddy);
-        buddies->index.add(asContact(buddy));
+        buddies->table.add(asContact(buddy));
         return {};
     });
     if (!read.error.empty()) {
@@ -58,7 +75,7 @@ bool PresenceFile::GetListByGroupId(ContactBuddyListData* pList, int&, int, cons
     if (!buddies || !pList) {
         return false;
     }
-    ContactIndex::Search search(buddies->index, strKey);
+    ContactIndex::Search search(buddies->table.index(), strKey);
     while (const auto position = search.next()) {
         pList->listContactId.push_back(buddies->infos.idAt(*position));
     }
@@ -79,6 +96,17 @@ int PresenceFile::GetContactDetail(PresenceInfo& info, PresenceType, int) {
     }
     info = buddies->infos.at(at->second);
     return 1;
+}
+
+std::vector<bool> PresenceFile::holds(std::span<const NameAndNumber> rows) const {
+    const auto buddies = m_file.lastRead();
+    return buddies ? buddies->table.holds(rows) : std::vector<bool>(rows.size());
+}
+
+std::optional<KnownContact> PresenceFile::find(const NameAndNumber& row) const {
+    const auto buddies = m_file.lastRead();
+    const auto position = buddies ? buddies->table.find({&row, 1}).front() : std::nullopt;
+    return position ? std::optional(knownBuddy(buddies->infos.at(*position))) : std::nullopt;
 }
 
 } // namespace host

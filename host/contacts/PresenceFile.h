@@ -13,9 +13,10 @@
 #pragma once
 
 #include "app/Gui/Logic/Wideseek/WideseekData.h"
-#include "host/contacts/ContactIndex.h"
+#include "host/contacts/ContactTable.h"
 #include "host/contacts/PackedBuddies.h"
 #include "host/files/ReloadedFile.h"
+#include "host/sources/ContactLookup.h"
 #include "platform/Presence.h"
 
 #include <string>
@@ -25,7 +26,7 @@
 
 namespace host {
 
-class PresenceFile final : public CPresenceContactManager {
+class PresenceFile final : public CPresenceContactManager, public ContactLookup {
 public:
     // problemSink may be empty. It must not ask for buddies.
     PresenceFile(std::filesystem::path path, ProblemSink problemSink);
@@ -37,11 +38,14 @@ public:
     // Of the file as it was read last, so that the buddies of one list are those of one file.
     int GetContactDetail(PresenceInfo& info, PresenceType eType, int iFlag) override;
 
+    std::vector<bool> holds(std::span<const NameAndNumber> rows) const override;
+    std::optional<KnownContact> find(const NameAndNumber& row) const override;
+
 private:
     struct Buddies {
         PackedBuddies infos;                            // in the file's order
         std::unordered_map<int, std::size_t> positions; // by id
-        ContactIndex index;                             // what the search makes of them, at the same positions
+        ContactTable table;                             // what the search makes of them, at the same positions
     };
 
     static ReloadedFile<Buddies>::Made read(std::string_view bytes, const std::string& file);

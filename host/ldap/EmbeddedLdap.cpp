@@ -15,7 +15,7 @@ MessageThread* threadOf(Kernel& kernel) {
 
 } // namespace
 
-EmbeddedLdap::EmbeddedLdap(Kernel& kernel, std::unique_ptr<ContactSource> contacts, Duration delay)
+EmbeddedLdap::EmbeddedLdap(Kernel& kernel, std::shared_ptr<ContactSource> contacts, Duration delay)
     : m_kernel(kernel), m_contacts(std::move(contacts)), m_delay(delay), m_thread(threadOf(kernel)) {
 }
 

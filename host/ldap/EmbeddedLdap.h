@@ -17,7 +17,7 @@ public:
     static constexpr std::string_view threadName = "ThreadLdap";
 
     // The kernel must outlive the directory. Adds the thread to it if it is not there yet.
-    EmbeddedLdap(Kernel& kernel, std::unique_ptr<ContactSource> contacts, Duration delay);
+    EmbeddedLdap(Kernel& kernel, std::shared_ptr<ContactSource> contacts, Duration delay);
     ~EmbeddedLdap() override;
 
     void start(LdapQuery query, Done done) override;
@@ -29,7 +29,7 @@ private:
     LdapAnswer answer(const LdapQuery& query);
 
     Kernel& m_kernel;
-    const std::unique_ptr<ContactSource> m_contacts;
+    const std::shared_ptr<ContactSource> m_contacts;
     const Duration m_delay;
     MessageThread* const m_thread;
 };

@@ -2,6 +2,7 @@
 
 #include "host/kernel/ActionRef.h"
 #include "host/sources/Failure.h"
+#include "host/sources/SourceNames.h"
 #include "platform/TrackedMemory.h"
 
 #include <algorithm>
@@ -18,7 +19,6 @@ struct LdapModule::Request {
 
 namespace {
 
-constexpr std::string_view sourceName = "LDAP";
 constexpr std::string_view answerLost = "LDAP: an answer is lost: there is no memory for it";
 
 // The answer as the receiver gets it; none when there is no memory for it.
@@ -37,7 +37,7 @@ ActionRef makeAction(const LdapQuery& query, LdapAnswer& answer) {
 }
 
 TraceEvent answerEvent(const LdapAnswer& answer) {
-    TraceEvent event{.kind = TraceKind::sourceAnswered, .source = sourceName};
+    TraceEvent event{.kind = TraceKind::sourceAnswered, .source = sourceName::ldap};
     const std::string* name = nullptr; // a person's rows stand together
     for (const NS_TA::LdapResultItem& row : answer.rows) {
         event.contacts += name && *name == row.strName ? 0U : 1U;
@@ -88,12 +88,12 @@ void LdapModule::giveUp(const std::shared_ptr<Processor>& processor) {
     }
     for (const SharedRequest& given : {running, waiting}) {
         if (given) {
-            m_reporter.trace({.kind = TraceKind::sourceAbandoned, .source = sourceName, .key = given->query.key});
+            m_reporter.trace({.kind = TraceKind::sourceAbandoned, .source = sourceName::ldap, .key = given->query.key});
         }
     }
     const std::size_t undelivered = m_kernel.withdrawToken(processor.get());
     for (std::size_t i = 0; i < undelivered; ++i) {
-        m_reporter.trace({.kind = TraceKind::sourceAbandoned, .source = sourceName});
+        m_reporter.trace({.kind = TraceKind::sourceAbandoned, .source = sourceName::ldap});
     }
 }
 
@@ -108,7 +108,7 @@ void LdapModule::startNext() {
         request = m_running = std::move(m_waiting.front());
         m_waiting.pop_front();
     }
-    m_reporter.trace({.kind = TraceKind::sourceAsked, .source = sourceName, .key = request->query.key});
+    m_reporter.trace({.kind = TraceKind::sourceAsked, .source = sourceName::ldap, .key = request->query.key});
     try {
         if (!m_directory) {
             answered(request, {.succeeded = false, .rows = {}, .problem = "no LDAP directory is configured"});

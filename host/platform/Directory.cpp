@@ -2,6 +2,7 @@
 
 #include "host/PhoneCore.h"
 #include "host/sources/Failure.h"
+#include "host/sources/SourceNames.h"
 
 #include <exception>
 #include <string>
@@ -49,13 +50,13 @@ void reportFailure(PhoneCore& phone, TraceEvent& event, const std::string& error
     });
 }
 
-bool search(Source which, std::string_view sourceName, WideseekItemListData* data) {
+bool search(Source which, std::string_view name, WideseekItemListData* data) {
     const auto phone = currentPhone();
     if (!phone || !data) {
         return false;
     }
     phone->interrupt(PlatformFunction::searchDirectory);
-    TraceEvent event{.kind = TraceKind::sourceAsked, .source = sourceName, .key = data->strKey};
+    TraceEvent event{.kind = TraceKind::sourceAsked, .source = name, .key = data->strKey};
     phone->trace(event);
     const std::uint32_t before = data->listResult.Count();
     std::string error;
@@ -79,19 +80,19 @@ bool search(Source which, std::string_view sourceName, WideseekItemListData* dat
 } // namespace host
 
 bool Directory_LocalDirWideseek(WideseekItemListData* pData) {
-    return host::search(host::Source::localDirectory, "local directory", pData);
+    return host::search(host::Source::localDirectory, host::sourceName::localDirectory, pData);
 }
 
 bool Directory_LocalLogWideseek(WideseekItemListData* pData) {
-    return host::search(host::Source::callLog, "call log", pData);
+    return host::search(host::Source::callLog, host::sourceName::callLog, pData);
 }
 
 bool RemoteDir_Wideseek(WideseekItemListData* pData) {
-    return host::search(host::Source::remoteDirectory, "remote directory", pData);
+    return host::search(host::Source::remoteDirectory, host::sourceName::remoteDirectory, pData);
 }
 
 bool BSFTDir_Wideseek(WideseekItemListData* pData) {
-    return host::search(host::Source::broadSoftDirectory, "BroadSoft directory", pData);
+    return host::search(host::Source::broadSoftDirectory, host::sourceName::broadSoftDirectory, pData);
 }
 
 int Directory_SearchCallLogRecentOutCall(OxVector<GeneralDirItemData>& vecItem, int iFromIndex, int iSearchCount) {
@@ -100,7 +101,7 @@ int Directory_SearchCallLogRecentOutCall(OxVector<GeneralDirItemData>& vecItem, 
         return -1;
     }
     phone->interrupt(host::PlatformFunction::recentCalls);
-    host::TraceEvent event{.kind = host::TraceKind::sourceAsked, .source = "call log"};
+    host::TraceEvent event{.kind = host::TraceKind::sourceAsked, .source = host::sourceName::callLog};
     phone->trace(event);
     const int before = vecItem.Count();
     std::string error;

@@ -3,6 +3,7 @@
 #include "app/Gui/Logic/Wideseek/WideseekData.h"
 #include "host/PhoneCore.h"
 #include "host/sources/Failure.h"
+#include "host/sources/SourceNames.h"
 
 #include <string_view>
 
@@ -35,7 +36,7 @@ public:
             return false;
         }
         phone->interrupt(PlatformFunction::listBuddies);
-        TraceEvent event{.kind = TraceKind::sourceAsked, .source = "presence", .key = strKey};
+        TraceEvent event{.kind = TraceKind::sourceAsked, .source = sourceName::presence, .key = strKey};
         phone->trace(event);
         std::string error;
         bool succeeded = false;

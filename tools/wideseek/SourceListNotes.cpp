@@ -12,7 +12,8 @@ std::vector<std::string> SourceListNotes::take() {
     }
     m_told = true;
     m_stamp = stamp;
-    return warningsOf(explainSourceList(m_path));
+    m_notes = warningsOf(explainSourceList(m_path));
+    return m_notes;
 }
 
 } // namespace wideseek

@@ -22,9 +22,13 @@ public:
     // this was asked last, which costs one look at the file's time.
     std::vector<std::string> take();
 
+    // What it said last, which stands until the file changes.
+    const std::vector<std::string>& standing() const { return m_notes; }
+
 private:
     const std::filesystem::path m_path;
     bool m_told = false;
+    std::vector<std::string> m_notes;
     std::optional<host::FileStamp> m_stamp; // of the file that was told of; none: it could not be read
 };
 

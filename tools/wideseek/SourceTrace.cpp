@@ -5,11 +5,16 @@
 
 namespace wideseek {
 
-void openTrace(std::vector<SourceTrace>& sources, const host::TraceEvent& asked) {
-    SourceTrace& source = sources.emplace_back();
+SourceTrace openedTrace(const host::TraceEvent& asked) {
+    SourceTrace source;
     source.name = asked.source;
     source.key = asked.key;
     source.asked = asked.at;
+    return source;
+}
+
+void openTrace(std::vector<SourceTrace>& sources, const host::TraceEvent& asked) {
+    sources.push_back(openedTrace(asked));
 }
 
 bool closeTrace(std::vector<SourceTrace>& sources, const host::TraceEvent& ended) {

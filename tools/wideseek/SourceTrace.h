@@ -34,7 +34,10 @@ struct SourceTrace {
     std::string problem;
 };
 
-// Adds the source that is asked.
+// The source that is asked.
+SourceTrace openedTrace(const host::TraceEvent& asked);
+
+// Adds it.
 void openTrace(std::vector<SourceTrace>& sources, const host::TraceEvent& asked);
 
 // Enters what came of asking the event's source. False: no source of this name is still being asked.

@@ -3,9 +3,10 @@
 #include "app/Gui/Logic/Wideseek/modWideseek.h"
 #include "platform/CommonAPI.h"
 #include "tools/wideseek/Interrupt.h"
-#include "tools/wideseek/PhoneArguments.h"
-#include "tools/wideseek/phone/PhoneScreens.h"
+#include "tools/wideseek/phone/KeyKinds.h"
+#include "tools/wideseek/phone/PhoneFrame.h"
 
+#include <algorithm>
 #include <array>
 #include <ctime>
 #include <stdexcept>
@@ -15,10 +16,8 @@ namespace wideseek {
 
 namespace {
 
-// Keys that act on rows wait for them no longer than this.
+// Keys that act on rows wait for them no longer than this, and no news is waited for longer.
 constexpr auto longestWait = std::chrono::seconds(1);
-
-constexpr int wheelRows = 3;
 
 std::string timeOfDay() {
     const std::time_t now = std::time(nullptr);
@@ -28,31 +27,6 @@ std::string timeOfDay() {
     return {text.data(), std::strftime(text.data(), text.size(), "%a %d %b %H:%M", &local)};
 }
 
-std::optional<LineEdit> editOf(Key key) {
-    switch (key) {
-    case Key::left:
-        return LineEdit::left;
-    case Key::right:
-        return LineEdit::right;
-    case Key::toBegin:
-        return LineEdit::toBegin;
-    case Key::toEnd:
-        return LineEdit::toEnd;
-    case Key::eraseBefore:
-        return LineEdit::eraseBefore;
-    case Key::eraseAfter:
-        return LineEdit::eraseAfter;
-    case Key::eraseWord:
-        return LineEdit::eraseWord;
-    case Key::eraseToBegin:
-        return LineEdit::eraseToBegin;
-    case Key::eraseToEnd:
-        return LineEdit::eraseToEnd;
-    default:
-        return std::nullopt;
-    }
-}
-
 double millisecondsSince(std::chrono::steady_clock::time_point time) {
     return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - time).count();
 }
@@ -60,11 +34,10 @@ double millisecondsSince(std::chrono::steady_clock::time_point time) {
 } // namespace
 
 PhoneApp::PhoneApp(const host::PhoneOptions& options)
-    : m_terminal(std::in_place), m_root(options.root.string()), m_sourceList(sourceListOf(options.root)),
-      m_phone(options) {
+    : m_terminal(std::in_place), m_phone(options), m_problems(m_phone, m_watch), m_rowSources(m_phone) {
     m_phone.setTrace(&m_watch);
     m_phone.watchSourceList();
-    m_model.setHeight(rowsOnScreen());
+    m_model.setHeight(linesOnScreen());
     attach();
 }
 
@@ -88,6 +61,10 @@ std::vector<std::string> PhoneApp::run() {
 void PhoneApp::serveInputs() {
     while (!m_inputs.empty() && !m_leaving) {
         if (mustWait(m_inputs.front().key)) {
+            if (isOvertaken()) {
+                m_inputs.pop_front();
+                continue;
+            }
             search();
             if (Clock::now() < m_asked + longestWait) {
                 return;
@@ -101,26 +78,26 @@ void PhoneApp::serveInputs() {
 
 // Keys that act on rows are served once the rows of what was typed before them are here.
 bool PhoneApp::mustWait(Key key) const {
-    if (m_text) {
+    if (m_side) {
         return false;
     }
     switch (key) {
-    case Key::up:
-    case Key::down:
-    case Key::pageUp:
-    case Key::pageDown:
-    case Key::first:
-    case Key::last:
-    case Key::wheelUp:
-    case Key::wheelDown:
-        return m_model.isAwaitingPage();
     case Key::enter:
     case Key::details:
     case Key::copy:
         return !m_model.isSettled();
     default:
-        return false;
+        return movesCursor(key) && m_model.isAwaitingPage();
     }
+}
+
+// The first key moves the cursor, and nobody will see where to: a new search, which puts it on the first row, has been
+// typed behind it. So what is typed is shown and searched for without waiting for rows that nobody means any more.
+bool PhoneApp::isOvertaken() const {
+    const auto next =
+        std::find_if(m_inputs.begin(), m_inputs.end(), [](const Input& input) { return !movesCursor(input.key); });
+    return next != m_inputs.begin() && next != m_inputs.end() &&
+           (next->key == Key::escape || (next->key == Key::character && m_model.typed().hasRoomFor(next->text)));
 }
 
 void PhoneApp::handle(const Input& input) {
@@ -135,12 +112,12 @@ void PhoneApp::handle(const Input& input) {
         repaint();
         break;
     case Key::resize:
-        m_model.setHeight(rowsOnScreen());
+        m_model.setHeight(linesOnScreen());
         break;
     default:
         m_status.message.clear();
-        if (m_text) {
-            handleOnText(input);
+        if (m_side) {
+            handleOnSide(input);
         } else {
             handleOnSearch(input);
         }
@@ -184,18 +161,18 @@ void PhoneApp::handleOnSearch(const Input& input) {
         pointAt(input.line);
         break;
     case Key::doubleClick:
-        if (m_model.selected() && m_model.line() == rowOnLine(input.line)) {
+        if (m_model.selected() && m_model.line() == rowOnLine(m_model, input.line)) {
             dial();
         }
         break;
     case Key::help:
-        openText(helpScreen());
+        open(SideScreen::help());
         break;
     case Key::entry:
         m_model.switchEntry();
         break;
     case Key::details:
-        openText(detailsScreen());
+        open(details());
         break;
     case Key::copy:
         copy();
@@ -205,42 +182,33 @@ void PhoneApp::handleOnSearch(const Input& input) {
     }
 }
 
-void PhoneApp::handleOnText(const Input& input) {
-    constexpr int page = 8;
-    switch (input.key) {
-    case Key::up:
-    case Key::down:
-        m_text->top += input.key == Key::up ? -1 : 1;
-        break;
-    case Key::pageUp:
-    case Key::pageDown:
-        m_text->top += input.key == Key::pageUp ? -page : page;
-        break;
-    case Key::wheelUp:
-    case Key::wheelDown:
-        m_text->top += input.key == Key::wheelUp ? -wheelRows : wheelRows;
-        break;
-    case Key::click:
-    case Key::doubleClick:
-        break;
-    case Key::character:
-        closeText();
+void PhoneApp::handleOnSide(const Input& input) {
+    const SideScreen::Wish wish = m_side->serve(input);
+    if (wish == SideScreen::Wish::stay) {
+        return;
+    }
+    const std::string name = m_side->name();
+    const std::string number = m_side->number();
+    m_side.reset();
+    attach();
+    m_model.comeBack();
+    if (wish == SideScreen::Wish::dial) {
+        dial(name, number);
+    } else if (wish == SideScreen::Wish::copy) {
+        copy(number);
+    } else if (wish == SideScreen::Wish::type) {
         handleOnSearch(input);
-        break;
-    default:
-        closeText();
     }
 }
 
-void PhoneApp::openText(TextScreen text) {
-    m_text = std::move(text);
+void PhoneApp::open(SideScreen side) {
+    m_side = std::move(side);
     detach();
 }
 
-void PhoneApp::closeText() {
-    m_text.reset();
-    attach();
-    m_model.comeBack();
+SideScreen PhoneApp::details() const {
+    const WideseekItemData* row = m_model.selected();
+    return SideScreen::details(row ? std::optional(detailsOf(*row, m_phone)) : std::nullopt);
 }
 
 void PhoneApp::attach() {
@@ -276,6 +244,7 @@ void PhoneApp::takePage(const WideseekListData& page) {
     if (!m_model.takePage(page)) {
         return;
     }
+    m_rowSources.forget();
     m_changed = true;
     if (m_answered) {
         m_status.lateTime = millisecondsSince(m_keyAsked);
@@ -287,7 +256,7 @@ void PhoneApp::takePage(const WideseekListData& page) {
 
 // The rows may be those of the key before, which nobody means any more.
 void PhoneApp::pointAt(int line) {
-    const int row = rowOnLine(line);
+    const int row = rowOnLine(m_model, line);
     if (m_model.isSettled() && row >= 0 && row < static_cast<int>(m_model.rows().size())) {
         m_model.moveBy(row - m_model.line());
     }
@@ -301,7 +270,10 @@ std::string PhoneApp::typedNumber() const {
 
 void PhoneApp::copy() {
     const WideseekItemData* row = m_model.selected();
-    const std::string number = row ? row->strNumber : typedNumber();
+    copy(row ? row->strNumber : typedNumber());
+}
+
+void PhoneApp::copy(const std::string& number) {
     if (number.empty()) {
         m_status.message = "There is no number to copy.";
         return;
@@ -317,6 +289,10 @@ void PhoneApp::dial() {
         name = row->strName == row->strNumber ? std::string() : row->strName;
         number = row->strNumber;
     }
+    dial(name, number);
+}
+
+void PhoneApp::dial(const std::string& name, const std::string& number) {
     if (number.empty()) {
         m_status.message = "There is no number to dial.";
         return;
@@ -328,39 +304,26 @@ void PhoneApp::dial() {
     }
 }
 
-// The newest problem is shown until the next key.
+// The newest problem is shown until the next key, those that stand for as long as they do.
 void PhoneApp::collectProblems() {
-    std::vector<std::string> seen = m_phone.problems(m_phoneProblems);
-    m_phoneProblems += seen.size();
-    for (std::string& note : m_sourceList.take()) {
-        seen.push_back(std::move(note));
+    const std::string newest = m_problems.takeNew();
+    m_status.standing = m_problems.standing();
+    if (!newest.empty() && m_status.standing.find(newest) == std::string::npos) {
+        m_status.message = std::string(problemPrefix) + newest;
     }
-    for (const SourceTrace& source : m_watch.lastSearch()) {
-        if (!source.problem.empty()) {
-            seen.push_back(source.problem);
-        }
-    }
-    for (const std::string& problem : seen) {
-        if (m_problems.add(problem)) {
-            const bool ofPhone = problem.starts_with(m_root + "/");
-            m_status.message = std::string(problemPrefix) + problem.substr(ofPhone ? m_root.size() + 1 : 0);
-        }
-    }
-}
-
-TextScreen PhoneApp::detailsScreen() const {
-    return wideseek::detailsScreen(m_model.selected(), m_watch.lastSearch(), m_problems.all());
 }
 
 void PhoneApp::paint() {
-    if (m_text) {
-        paintText(*m_text);
-    } else {
-        paintSearch(m_model, m_status);
+    if (m_side) {
+        m_side->paint(m_watch, m_problems.all());
+        return;
     }
+    // Recent calls are the call log's.
+    m_style.sources = m_model.rowsKey().empty() ? std::vector<std::string>() : m_rowSources.of(m_model.rows());
+    paintSearch(m_model, m_status, m_style);
 }
 
-// Until there is something to do.
+// Until there is something to do; not for long, as a file may be mended or spoilt meanwhile.
 void PhoneApp::wait() {
     const std::size_t unserved = m_inputs.size();
     const bool ldapAsked = m_status.ldapAsked = m_watch.isLdapAsked();
@@ -368,7 +331,7 @@ void PhoneApp::wait() {
         m_terminal->read(m_inputs);
         return m_changed || m_inputs.size() > unserved || interruptedBy() || m_watch.isLdapAsked() != ldapAsked;
     };
-    m_phone.kernel().serveMain(isAwaited, unserved > 0 ? host::Duration(longestWait) : std::chrono::hours(1));
+    m_phone.kernel().serveMain(isAwaited, longestWait);
     m_changed = false;
     m_status.ldapAsked = m_watch.isLdapAsked();
 }

@@ -6,12 +6,13 @@
 #pragma once
 
 #include "host/Phone.h"
-#include "host/kernel/ProblemList.h"
 #include "tools/wideseek/Library.h"
 #include "tools/wideseek/Screen.h"
-#include "tools/wideseek/SourceListNotes.h"
 #include "tools/wideseek/phone/PhoneModel.h"
+#include "tools/wideseek/phone/PhoneProblems.h"
 #include "tools/wideseek/phone/PhoneView.h"
+#include "tools/wideseek/phone/RowSources.h"
+#include "tools/wideseek/phone/SideScreen.h"
 #include "tools/wideseek/phone/SourceWatch.h"
 #include "tools/wideseek/phone/Terminal.h"
 
@@ -41,34 +42,36 @@ private:
 
     void serveInputs();
     bool mustWait(Key key) const;
+    bool isOvertaken() const;
     void handle(const Input& input);
     void handleOnSearch(const Input& input);
-    void handleOnText(const Input& input);
-    void openText(TextScreen text);
-    void closeText();
+    void handleOnSide(const Input& input);
+    void open(SideScreen side);
+    SideScreen details() const;
     void attach();
     void detach();
     void search();
     void takePage(const WideseekListData& page);
     void pointAt(int line);
     void dial();
+    void dial(const std::string& name, const std::string& number);
     void copy();
+    void copy(const std::string& number);
     std::string typedNumber() const;
     void collectProblems();
-    TextScreen detailsScreen() const;
     void paint();
     void wait();
 
-    SourceWatch m_watch; // outlives the phone, which reports to it
-    host::ProblemList m_problems;
-    std::size_t m_phoneProblems = 0;    // of the phone's, how many have been collected
+    SourceWatch m_watch;                // outlives the phone, which reports to it
     std::optional<Terminal> m_terminal; // before there are threads: it sets the locale
-    const std::string m_root;
-    SourceListNotes m_sourceList;
     host::Phone m_phone;
     Library m_library;
+    PhoneProblems m_problems;
     std::optional<Screen> m_screen;
-    std::optional<TextScreen> m_text; // in place of the search screen
+    std::optional<SideScreen> m_side; // in place of the search screen
+
+    RowSources m_rowSources;
+    RowStyle m_style;
 
     PhoneModel m_model;
     PhoneStatus m_status;

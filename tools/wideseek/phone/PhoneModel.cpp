@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 namespace wideseek {
 
@@ -19,8 +20,8 @@ std::string searched(const std::string& key) {
 
 } // namespace
 
-void PhoneModel::setHeight(int rows) {
-    m_height = std::max(1, rows);
+void PhoneModel::setHeight(int lines) {
+    m_height = std::max(1, lines);
     if (hasPage() && !m_followed) {
         const int selected = m_top + m_line;
         const int lowest = std::max(0, total() - pageHeight());
@@ -91,20 +92,35 @@ void PhoneModel::moveToLast() {
 
 std::optional<PhoneModel::Request> PhoneModel::takeRequest() {
     if (!m_asked) {
-        m_asked = {key(), 0, isRecent() ? recentCount : pageHeight()};
-        return m_asked;
+        return ask({key(), 0, isRecent() ? recentCount : pageHeight()});
     }
-    if (!hasPage() || (m_known == Known::enough && covers(m_asked->from, m_asked->count))) {
+    if (!hasPage() || (m_known == Known::enough && hasAskedEnough())) {
         return std::nullopt;
     }
     m_known = Known::enough;
-    m_asked = windowWanted();
-    return m_asked;
+    return ask(windowWanted());
+}
+
+PhoneModel::Request PhoneModel::ask(Request request) {
+    m_asked = std::move(request);
+    m_waiting = true;
+    return *m_asked;
+}
+
+bool PhoneModel::hasAskedEnough() const {
+    if (!isRecent()) {
+        return covers(m_asked->from, m_asked->count);
+    }
+    const auto missing = missingCall();
+    return !missing || (m_waiting && m_asked->from <= *missing && *missing < m_asked->from + m_asked->count);
 }
 
 void PhoneModel::comeBack() {
     if (hasPage()) {
         m_known = Known::something;
+        if (isRecent()) {
+            m_page = {m_top, 0, total(), {}};
+        }
     } else {
         m_asked.reset();
     }
@@ -115,10 +131,15 @@ bool PhoneModel::takePage(const WideseekListData& page) {
         (page.strKey != key() && page.strKey != searched(key()))) {
         return false;
     }
+    m_waiting = false;
+    if (isRecent()) {
+        takeCalls(page);
+        return true;
+    }
     const WideseekItemData* cursor = m_followed ? &m_followed->row : selected();
     const std::optional<WideseekItemData> kept = cursor ? std::optional(*cursor) : std::nullopt;
     // A page that is full may have been sent before all sources were asked: its total is not the last word.
-    const bool mayBeCut = !hasPage() && !isRecent() && page.iTotalCount >= m_asked->count;
+    const bool mayBeCut = !hasPage() && page.iTotalCount >= m_asked->count;
     const int growth = hasPage() ? std::abs(page.iTotalCount - m_page.total) : 0;
     m_page = {page.iFromIndex, page.iSearchCount, page.iTotalCount, {page.listItem.begin(), page.listItem.end()}};
     m_known = mayBeCut || m_known == Known::something ? Known::something : Known::enough;
@@ -131,8 +152,29 @@ bool PhoneModel::takePage(const WideseekListData& page) {
     return true;
 }
 
+// Recent calls come by ten: a page that adjoins those that are here joins them.
+void PhoneModel::takeCalls(const WideseekListData& page) {
+    const std::vector<WideseekItemData> rows(page.listItem.begin(), page.listItem.end());
+    const int end = page.iFromIndex + page.iSearchCount;
+    const int before = m_page.from - page.iFromIndex;
+    const bool same = hasPage() && page.iTotalCount == m_page.total;
+    if (same && page.iFromIndex == m_page.from + m_page.count) {
+        m_page.rows.insert(m_page.rows.end(), rows.begin(), rows.end());
+        m_page.count += page.iSearchCount;
+    } else if (same && before > 0 && end >= m_page.from && before <= static_cast<int>(rows.size())) {
+        m_page.rows.insert(m_page.rows.begin(), rows.begin(), rows.begin() + before);
+        m_page.from = page.iFromIndex;
+        m_page.count += before;
+    } else {
+        m_page = {page.iFromIndex, page.iSearchCount, page.iTotalCount, rows};
+    }
+    m_known = Known::enough;
+    place(m_top + m_line, m_top);
+    show();
+}
+
 bool PhoneModel::isAwaitingPage() const {
-    return m_known != Known::enough || !m_asked || m_asked->from != m_page.from || m_asked->count != m_page.count;
+    return m_known != Known::enough || !m_asked || m_waiting || (isRecent() && missingCall());
 }
 
 bool PhoneModel::isSettled() const {
@@ -145,20 +187,29 @@ const WideseekItemData* PhoneModel::selected() const {
 }
 
 int PhoneModel::pageHeight() const {
-    return isRecent() ? std::min(m_height, recentCount) : m_height;
+    return isRecent() ? std::max(1, m_height - 1) : m_height;
 }
 
+// Recent calls are shown as they come, as far as the cursor at least; all others wait for a full screen.
 bool PhoneModel::covers(int from, int count) const {
-    return from <= m_top && std::min(m_top + pageHeight(), total()) <= from + count;
+    const int end = isRecent() ? m_top + m_line + 1 : m_top + pageHeight();
+    return from <= m_top && std::min(end, total()) <= from + count;
 }
 
 // A page before and a page behind the one that is shown, so that the next step of the cursor need not wait.
 PhoneModel::Request PhoneModel::windowWanted() const {
     if (isRecent()) {
-        return {key(), m_top, recentCount};
+        return {key(), missingCall().value_or(m_top), recentCount};
     }
     const int before = pageHeight() + (m_followed ? m_followed->reach : 0);
     return {key(), std::max(0, m_top - before), pageHeight() + 2 * before};
+}
+
+// The first of the recent calls wanted on the screen that is not here.
+std::optional<int> PhoneModel::missingCall() const {
+    const int behind = m_page.from + m_page.count;
+    const int missing = m_page.from <= m_top && m_top < behind ? behind : m_top;
+    return missing < std::min(m_top + pageHeight(), total()) ? std::optional(missing) : std::nullopt;
 }
 
 // The index of row in the page; of several, the one nearest to the cursor.
@@ -193,13 +244,14 @@ void PhoneModel::follow(const WideseekItemData& row, int growth) {
     }
 }
 
-// Puts the cursor on a row, as far as there is one, and top into the first line.
+// Puts the cursor on a row, as far as there is one, and top into the first line, as far as that leaves none blank
+// below.
 void PhoneModel::place(int selected, int top) {
     if (!hasPage()) {
         return;
     }
     const int row = std::clamp(selected, 0, std::max(0, total() - 1));
-    m_top = std::clamp(top, 0, row);
+    m_top = std::clamp(top, 0, std::min(row, std::max(0, total() - pageHeight())));
     m_line = row - m_top;
 }
 

@@ -8,7 +8,8 @@
 //
 // The rows shown change all at once, when those for the wanted place are here; until then the old ones stay. A page
 // that nobody waits for (a late one, or the first one after coming back to the screen) leaves the cursor on the same
-// name and number in the same line of the screen, wherever that row stands by then.
+// name and number in the same line of the screen, wherever that row stands by then. The library hands out recent calls
+// by ten; they are asked for until they fill the screen, and shown as they come.
 //
 // One thread. Indices count from 0.
 #pragma once
@@ -31,8 +32,9 @@ public:
         int count = 0;
     };
 
-    // How many rows there is room for; less than 1 counts as 1. The cursor stays on its row.
-    void setHeight(int rows);
+    // How many lines there are for rows; less than 1 counts as 1. Recent calls leave one of them to their heading. The
+    // cursor stays on its row.
+    void setHeight(int lines);
 
     // ---- the key; each change starts with the first row ----
 
@@ -117,6 +119,10 @@ private:
         int reach = 0; // how far from its old place it may be
     };
 
+    Request ask(Request request);
+    bool hasAskedEnough() const;
+    void takeCalls(const WideseekListData& page);
+    std::optional<int> missingCall() const;
     int pageHeight() const;
     bool covers(int from, int count) const;
     Request windowWanted() const;
@@ -133,6 +139,7 @@ private:
     int m_line = 0;
 
     std::optional<Request> m_asked; // last, for the key
+    bool m_waiting = false;         // for the page of it
     Window m_page;                  // as it came last; of an earlier key while nothing is known
     Known m_known = Known::nothing;
     std::optional<Followed> m_followed;

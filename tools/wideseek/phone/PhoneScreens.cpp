@@ -1,82 +1,142 @@
 #include "tools/wideseek/phone/PhoneScreens.h"
 
+#include "host/sources/SourceNames.h"
 #include "tools/wideseek/Text.h"
+#include "tools/wideseek/phone/EnabledSources.h"
+#include "tools/wideseek/phone/PhoneView.h"
+
+#include <algorithm>
+#include <utility>
 
 namespace wideseek {
 
 namespace {
 
-void addField(std::vector<std::string>& lines, const char* label, const std::string& value) {
-    if (!value.empty()) {
-        lines.push_back(label + value);
-    }
+// Filled with blanks up to this width.
+std::string padded(const std::string& text, std::size_t width) {
+    return text + std::string(width - std::min(width, displayWidth(text)), ' ');
 }
 
 std::string resultOf(const SourceTrace& source) {
-    if (!source.answered && !source.abandoned) {
-        return "still being asked";
+    if (!source.answered) {
+        return source.abandoned ? outcomeOf(source) : "still being asked";
     }
-    if (source.answered && !source.failed) {
-        return std::to_string(source.contacts) + " found, " + withOneDecimal(millisecondsOf(source)) + " ms";
+    const std::string time = withOneDecimal(millisecondsOf(source)) + " ms";
+    if (source.failed) {
+        return "failed after " + time + (source.problem.empty() ? "" : ": " + source.problem);
     }
-    return outcomeOf(source);
+    return std::to_string(source.contacts) + " found, " + time +
+           (source.problem.empty() ? "" : ", cut short: " + source.problem);
+}
+
+void addField(TextScreen& text, const std::string& label, const std::string& value) {
+    text.lines.push_back("  " + padded(label, 10) + "  " + value);
+}
+
+std::string joined(const std::vector<std::string>& texts) {
+    std::string result;
+    for (const std::string& text : texts) {
+        result += (result.empty() ? "" : ", ") + text;
+    }
+    return result;
+}
+
+void addContact(TextScreen& text, const ContactDetails& contact) {
+    if (!contact.name.empty()) {
+        text.lines.push_back("Name    " + contact.name);
+    }
+    text.firstChoice = text.lines.size();
+    text.choices = contact.numbers.size();
+    text.chosen = contact.chosen;
+    for (const std::string& number : contact.numbers) {
+        text.lines.push_back((&number == &contact.numbers.front() ? "Number  " : "        ") + number);
+    }
+    text.action = "Enter dials " + contact.numbers[contact.chosen];
+    for (const ContactDetails::Source& source : contact.sources) {
+        text.lines.emplace_back();
+        if (!source.label.empty()) {
+            text.lines.push_back(source.label);
+        }
+        addField(text, "Numbers", joined(source.known.numbers));
+        for (const auto& [label, value] : source.known.facts) {
+            addField(text, label, value);
+        }
+    }
+    text.lines.emplace_back();
+}
+
+// The recent calls are what the call log was asked for last; what else is asked for the empty key is not used.
+void addRecentCalls(TextScreen& text, const std::vector<SourceTrace>& latest) {
+    text.lines.emplace_back("Asked for the recent calls:");
+    const auto calls = std::find_if(latest.rbegin(), latest.rend(),
+                                    [](const SourceTrace& source) { return source.name == host::sourceName::callLog; });
+    text.lines.push_back("  Call log  " + (calls == latest.rend() ? "not asked" : resultOf(*calls)));
+}
+
+void addSources(TextScreen& text, const std::vector<SourceTrace>& latest, const std::string& key) {
+    const std::vector<EnabledSource> sources = enabledSources();
+    text.lines.push_back(sources.empty() ? "No source was asked: none is enabled." : "Asked for \"" + key + "\":");
+    std::size_t width = 0;
+    for (const EnabledSource& source : sources) {
+        width = std::max(width, displayWidth(source.label));
+    }
+    for (const EnabledSource& source : sources) {
+        const SourceTrace* trace = traceOf(latest, source.name, source.nth);
+        const bool before = trace && trace->key != key;
+        text.lines.push_back("  " + padded(source.label, width) + "  " + (trace ? resultOf(*trace) : "not asked") +
+                             (before ? ", for \"" + trace->key + "\" before it" : ""));
+    }
 }
 
 } // namespace
 
 TextScreen helpScreen() {
-    return {"Help",
-            {
-                "Type         searches at each key:",
-                "             digits in numbers and names",
-                "             as a keypad types them,",
-                "             letters in names",
-                "Backspace    erases; Ctrl-W a word,",
-                "             Ctrl-U Ctrl-K all before and",
-                "             behind the caret",
-                "Left Right   move the caret; Home End",
-                "             to the ends of what is typed",
-                "Escape       clears: the recent calls",
-                "Up Down      choose a row",
-                "Page Up/Down one screen of rows",
-                "Ctrl-Home    first row; Ctrl-End last",
-                "Enter        shows what would be dialled",
-                "             and adds a recent call",
-                "F2, Tab      letters typed as digits:",
-                "             abc 2, def 3, ... wxyz 9;",
-                "             again: as letters",
-                "F3           the contact in full, and",
-                "             what each source answered",
-                "F4           copies the number",
-                "Mouse        a click chooses, a double",
-                "             click dials, the wheel moves",
-                "Ctrl-L       paints the screen anew",
-                "F10, Ctrl-C  leave",
-            }};
+    TextScreen text;
+    text.title = "Help";
+    text.lines = {
+        "Type         searches at each key:",
+        "             digits in numbers and names",
+        "             as a keypad types them,",
+        "             letters in names",
+        "Backspace    erases; Ctrl-W a word,",
+        "             Ctrl-U Ctrl-K all before and",
+        "             behind the caret",
+        "Left Right   move the caret; Home End",
+        "             to the ends of what is typed",
+        "Escape       clears: the recent calls",
+        "Up Down      choose a row",
+        "Page Up/Down one screen of rows",
+        "Ctrl-Home    first row; Ctrl-End last",
+        "Enter        shows what would be",
+        "             dialled; a recent call",
+        "F2, Tab      letters typed as digits:",
+        "             abc 2, def 3, ... wxyz 9;",
+        "             again: as letters",
+        "F3           the contact in full, to",
+        "             choose a number of it; what",
+        "             each source answered; what",
+        "             is wrong",
+        "F4           copies the number",
+        "Mouse        a click chooses, a double",
+        "             click dials, the wheel moves",
+        "Ctrl-L       paints the screen anew",
+        "F10, Ctrl-C  leave",
+    };
+    return text;
 }
 
-TextScreen detailsScreen(const WideseekItemData* contact, const std::vector<SourceTrace>& sources,
+TextScreen detailsScreen(const ContactDetails* contact, const SourceWatch& watch,
                          const std::vector<std::string>& problems) {
-    TextScreen text{"Details", {}};
+    TextScreen text;
+    text.title = "Details";
     if (contact) {
-        addField(text.lines, "Name    ", contact->strName);
-        addField(text.lines, "Number  ", contact->strNumber);
-        addField(text.lines, "Extra   ", contact->strExtra2);
-        addField(text.lines, "        ", contact->strExtra1);
-        addField(text.lines, "        ", contact->iExtra == -1 ? "" : std::to_string(contact->iExtra));
-        text.lines.emplace_back();
+        addContact(text, *contact);
     }
-    if (sources.empty()) {
-        text.lines.emplace_back("No source was asked: none is enabled.");
+    const std::string key = watch.key().value_or("");
+    if (key.empty()) {
+        addRecentCalls(text, watch.latest());
     } else {
-        const std::string& key = sources.front().key;
-        text.lines.push_back(key.empty() ? "Asked for the recent calls:" : "Asked for \"" + key + "\":");
-    }
-    for (const SourceTrace& source : sources) {
-        text.lines.push_back(" " + source.name + ": " + resultOf(source));
-    }
-    if (sources.size() == 1 && sources.front().name == "LDAP") {
-        text.lines.emplace_back("The other rows are those of the key before that still match.");
+        addSources(text, watch.latest(), key);
     }
     for (const std::string& problem : problems) {
         text.lines.push_back(std::string(problemPrefix) + problem);

@@ -1,8 +1,9 @@
 // The texts of the screens beside the phone's search screen.
 #pragma once
 
-#include "tools/wideseek/SourceTrace.h"
-#include "tools/wideseek/phone/PhoneView.h"
+#include "tools/wideseek/phone/ContactDetails.h"
+#include "tools/wideseek/phone/SourceWatch.h"
+#include "tools/wideseek/phone/TextScreen.h"
 
 #include <string>
 #include <vector>
@@ -11,8 +12,9 @@ namespace wideseek {
 
 TextScreen helpScreen();
 
-// The contact in full (null: none), what each source answered to the search, and what went wrong so far.
-TextScreen detailsScreen(const WideseekItemData* contact, const std::vector<SourceTrace>& sources,
+// The contact in full (null: none), with its numbers to choose among; what each enabled source answered to the search;
+// and what went wrong so far.
+TextScreen detailsScreen(const ContactDetails* contact, const SourceWatch& watch,
                          const std::vector<std::string>& problems);
 
 } // namespace wideseek

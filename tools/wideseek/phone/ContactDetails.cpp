@@ -1,0 +1,61 @@
+#include "tools/wideseek/phone/ContactDetails.h"
+
+#include "tools/wideseek/phone/EnabledSources.h"
+#include "tools/wideseek/phone/RowSources.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+namespace wideseek {
+
+namespace {
+
+// All that there is to know of a row that no source holds.
+host::KnownContact knownOf(const WideseekItemData& row) {
+    host::KnownContact known{{row.strNumber}, {}};
+    for (const std::string* extra : {&row.strExtra2, &row.strExtra1}) {
+        if (!extra->empty()) {
+            known.facts.push_back({"Extra", *extra});
+        }
+    }
+    if (row.iExtra != -1) {
+        known.facts.push_back({"Extra", std::to_string(row.iExtra)});
+    }
+    return known;
+}
+
+void addNumbers(std::vector<std::string>& numbers, const std::vector<std::string>& more) {
+    for (const std::string& number : more) {
+        if (std::find(numbers.begin(), numbers.end(), number) == numbers.end()) {
+            numbers.push_back(number);
+        }
+    }
+}
+
+} // namespace
+
+ContactDetails detailsOf(const WideseekItemData& row, const host::Phone& phone) {
+    ContactDetails details;
+    details.name = row.strName == row.strNumber ? std::string() : row.strName;
+    const std::vector<EnabledSource> sources = enabledSources();
+    for (const EnabledSource& source : sources) {
+        const host::ContactLookup* lookup = phone.lookup(source.name);
+        if (auto known = lookup ? lookup->find({details.name, row.strNumber}) : std::nullopt) {
+            details.sources.push_back({source.label, std::move(*known)});
+        }
+    }
+    if (details.sources.empty()) {
+        const EnabledSource* server = serverAmong(sources, phone);
+        details.sources.push_back({server ? server->label : "", knownOf(row)});
+    }
+    for (const ContactDetails::Source& source : details.sources) {
+        addNumbers(details.numbers, source.known.numbers);
+    }
+    addNumbers(details.numbers, {row.strNumber});
+    const auto number = std::find(details.numbers.begin(), details.numbers.end(), row.strNumber);
+    details.chosen = static_cast<std::size_t>(number - details.numbers.begin());
+    return details;
+}
+
+} // namespace wideseek
