@@ -35,7 +35,7 @@ void addNumbers(std::vector<std::string>& numbers, const std::vector<std::string
 
 } // namespace
 
-ContactDetails detailsOf(const WideseekItemData& row, const host::Phone& phone) {
+ContactDetails detailsOf(const WideseekItemData& row, bool recentCall, const host::Phone& phone) {
     ContactDetails details;
     details.name = row.strName == row.strNumber ? std::string() : row.strName;
     const std::vector<EnabledSource> sources = enabledSources();
@@ -47,7 +47,7 @@ ContactDetails detailsOf(const WideseekItemData& row, const host::Phone& phone) 
     }
     if (details.sources.empty()) {
         const EnabledSource* server = serverAmong(sources, phone);
-        details.sources.push_back({server ? server->label : "", knownOf(row)});
+        details.sources.push_back({recentCall ? "Recent calls" : server ? server->label : "", knownOf(row)});
     }
     for (const ContactDetails::Source& source : details.sources) {
         addNumbers(details.numbers, source.known.numbers);

@@ -1,6 +1,6 @@
 // The contact of a row in full: its numbers, and what each source knows of it.
 //
-//     const ContactDetails details = detailsOf(*model.selected(), phone);
+//     const ContactDetails details = detailsOf(*model.selected(), model.isRecent(), phone);
 //     for (const std::string& number : details.numbers) { ... }
 //
 // One thread.
@@ -28,7 +28,8 @@ struct ContactDetails {
     std::size_t chosen = 0;           // of numbers; the row's at first
 };
 
-// Looks the row up in all enabled sources. What none of them holds is known by the row alone.
-ContactDetails detailsOf(const WideseekItemData& row, const host::Phone& phone);
+// Looks the row up in all enabled sources. What none of them holds is known by the row alone: of a recent call, or of a
+// server's answer.
+ContactDetails detailsOf(const WideseekItemData& row, bool recentCall, const host::Phone& phone);
 
 } // namespace wideseek

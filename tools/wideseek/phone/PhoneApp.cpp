@@ -208,7 +208,7 @@ void PhoneApp::open(SideScreen side) {
 
 SideScreen PhoneApp::details() const {
     const WideseekItemData* row = m_model.selected();
-    return SideScreen::details(row ? std::optional(detailsOf(*row, m_phone)) : std::nullopt);
+    return SideScreen::details(row ? std::optional(detailsOf(*row, m_model.isRecent(), m_phone)) : std::nullopt);
 }
 
 void PhoneApp::attach() {
