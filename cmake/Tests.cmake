@@ -12,7 +12,7 @@ target_compile_definitions(wideseek_test_support PUBLIC WIDESEEK_SOURCE_DIR="${P
 
 file(GLOB sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/tests/*_test.cpp")
 # The tool's own parts that are tested without the tool.
-foreach(part IN ITEMS KeyLine PhoneModel RowColumns)
+foreach(part IN ITEMS KeyLine PhoneModel screens/RowColumns)
   list(APPEND sources "${PROJECT_SOURCE_DIR}/tools/wideseek/phone/${part}.cpp")
 endforeach()
 add_executable(wideseek_tests ${sources})

@@ -1,7 +1,7 @@
 // The phone screen's model: what it asks for, what it shows and where the cursor stands, step by step; and the columns
 // that its rows stand in.
 #include "tools/wideseek/phone/PhoneModel.h"
-#include "tools/wideseek/phone/RowColumns.h"
+#include "tools/wideseek/phone/screens/RowColumns.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "tools/wideseek/phone/KeyLine.h"
-#include "tools/wideseek/phone/TerminalKeys.h"
+#include "tools/wideseek/phone/terminal/TerminalKeys.h"
 
 #include <optional>
 

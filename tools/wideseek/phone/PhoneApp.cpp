@@ -4,7 +4,7 @@
 #include "platform/CommonAPI.h"
 #include "tools/wideseek/Interrupt.h"
 #include "tools/wideseek/phone/KeyKinds.h"
-#include "tools/wideseek/phone/PhoneFrame.h"
+#include "tools/wideseek/phone/screens/PhoneFrame.h"
 
 #include <algorithm>
 #include <array>

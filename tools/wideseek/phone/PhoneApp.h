@@ -10,11 +10,11 @@
 #include "tools/wideseek/Screen.h"
 #include "tools/wideseek/phone/PhoneModel.h"
 #include "tools/wideseek/phone/PhoneProblems.h"
-#include "tools/wideseek/phone/PhoneView.h"
-#include "tools/wideseek/phone/RowSources.h"
-#include "tools/wideseek/phone/SideScreen.h"
 #include "tools/wideseek/phone/SourceWatch.h"
-#include "tools/wideseek/phone/Terminal.h"
+#include "tools/wideseek/phone/screens/PhoneView.h"
+#include "tools/wideseek/phone/screens/RowSources.h"
+#include "tools/wideseek/phone/screens/SideScreen.h"
+#include "tools/wideseek/phone/terminal/Terminal.h"
 
 #include <chrono>
 #include <deque>

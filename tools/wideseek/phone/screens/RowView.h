@@ -4,7 +4,7 @@
 #pragma once
 
 #include "tools/wideseek/phone/PhoneModel.h"
-#include "tools/wideseek/phone/RowColumns.h"
+#include "tools/wideseek/phone/screens/RowColumns.h"
 
 #include <string>
 #include <vector>

@@ -1,4 +1,4 @@
-#include "tools/wideseek/phone/Paint.h"
+#include "tools/wideseek/phone/terminal/Paint.h"
 
 #include "host/text/Utf8.h"
 #include "tools/wideseek/Text.h"

@@ -1,7 +1,7 @@
-#include "tools/wideseek/phone/SideScreen.h"
+#include "tools/wideseek/phone/screens/SideScreen.h"
 
 #include "tools/wideseek/phone/KeyKinds.h"
-#include "tools/wideseek/phone/PhoneScreens.h"
+#include "tools/wideseek/phone/screens/PhoneScreens.h"
 
 namespace wideseek {
 

@@ -1,6 +1,6 @@
-#include "tools/wideseek/phone/TerminalKeys.h"
+#include "tools/wideseek/phone/terminal/TerminalKeys.h"
 
-#include "tools/wideseek/phone/Curses.h"
+#include "tools/wideseek/phone/terminal/Curses.h"
 
 #include <array>
 #include <string>

@@ -1,9 +1,9 @@
 // The texts of the screens beside the phone's search screen.
 #pragma once
 
-#include "tools/wideseek/phone/ContactDetails.h"
 #include "tools/wideseek/phone/SourceWatch.h"
-#include "tools/wideseek/phone/TextScreen.h"
+#include "tools/wideseek/phone/screens/ContactDetails.h"
+#include "tools/wideseek/phone/screens/TextScreen.h"
 
 #include <string>
 #include <vector>

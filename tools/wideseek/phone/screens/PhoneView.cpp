@@ -1,8 +1,8 @@
-#include "tools/wideseek/phone/PhoneView.h"
+#include "tools/wideseek/phone/screens/PhoneView.h"
 
 #include "tools/wideseek/Text.h"
-#include "tools/wideseek/phone/Paint.h"
-#include "tools/wideseek/phone/PhoneFrame.h"
+#include "tools/wideseek/phone/screens/PhoneFrame.h"
+#include "tools/wideseek/phone/terminal/Paint.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "tools/wideseek/phone/RowColumns.h"
+#include "tools/wideseek/phone/screens/RowColumns.h"
 
 #include <algorithm>
 

@@ -1,9 +1,9 @@
-#include "tools/wideseek/phone/PhoneScreens.h"
+#include "tools/wideseek/phone/screens/PhoneScreens.h"
 
 #include "host/sources/SourceNames.h"
 #include "tools/wideseek/Text.h"
 #include "tools/wideseek/phone/EnabledSources.h"
-#include "tools/wideseek/phone/PhoneView.h"
+#include "tools/wideseek/phone/screens/PhoneView.h"
 
 #include <algorithm>
 #include <utility>

@@ -5,7 +5,7 @@
 // A Terminal exists. One thread.
 #pragma once
 
-#include "tools/wideseek/phone/Curses.h"
+#include "tools/wideseek/phone/terminal/Curses.h"
 
 #include <string>
 #include <string_view>

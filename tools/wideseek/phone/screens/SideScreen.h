@@ -9,10 +9,10 @@
 // A Terminal exists. One thread.
 #pragma once
 
-#include "tools/wideseek/phone/ContactDetails.h"
 #include "tools/wideseek/phone/SourceWatch.h"
-#include "tools/wideseek/phone/Terminal.h"
-#include "tools/wideseek/phone/TextScreen.h"
+#include "tools/wideseek/phone/screens/ContactDetails.h"
+#include "tools/wideseek/phone/screens/TextScreen.h"
+#include "tools/wideseek/phone/terminal/Terminal.h"
 
 #include <optional>
 #include <string>

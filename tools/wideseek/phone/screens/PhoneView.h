@@ -4,7 +4,7 @@
 #pragma once
 
 #include "tools/wideseek/phone/PhoneModel.h"
-#include "tools/wideseek/phone/RowView.h"
+#include "tools/wideseek/phone/screens/RowView.h"
 
 #include <optional>
 #include <string>

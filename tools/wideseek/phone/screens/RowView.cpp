@@ -1,7 +1,7 @@
-#include "tools/wideseek/phone/RowView.h"
+#include "tools/wideseek/phone/screens/RowView.h"
 
 #include "host/text/MatchedPart.h"
-#include "tools/wideseek/phone/Paint.h"
+#include "tools/wideseek/phone/terminal/Paint.h"
 
 #include <algorithm>
 #include <vector>

@@ -1,9 +1,9 @@
-#include "tools/wideseek/phone/Terminal.h"
+#include "tools/wideseek/phone/terminal/Terminal.h"
 
 #include "host/text/Utf8.h"
 #include "tools/wideseek/Text.h"
-#include "tools/wideseek/phone/Curses.h"
-#include "tools/wideseek/phone/TerminalType.h"
+#include "tools/wideseek/phone/terminal/Curses.h"
+#include "tools/wideseek/phone/terminal/TerminalType.h"
 
 #include <poll.h>
 #include <unistd.h>

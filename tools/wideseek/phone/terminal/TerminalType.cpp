@@ -1,7 +1,7 @@
-#include "tools/wideseek/phone/TerminalType.h"
+#include "tools/wideseek/phone/terminal/TerminalType.h"
 
 #include "tools/wideseek/Text.h"
-#include "tools/wideseek/phone/Curses.h"
+#include "tools/wideseek/phone/terminal/Curses.h"
 
 #include <langinfo.h>
 #include <term.h>

@@ -1,7 +1,7 @@
-#include "tools/wideseek/phone/TextScreen.h"
+#include "tools/wideseek/phone/screens/TextScreen.h"
 
-#include "tools/wideseek/phone/Paint.h"
-#include "tools/wideseek/phone/PhoneFrame.h"
+#include "tools/wideseek/phone/screens/PhoneFrame.h"
+#include "tools/wideseek/phone/terminal/Paint.h"
 
 #include <algorithm>
 #include <iterator>

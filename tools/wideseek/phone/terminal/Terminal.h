@@ -3,7 +3,7 @@
 // One thread. There is one at a time.
 #pragma once
 
-#include "tools/wideseek/phone/TerminalKeys.h"
+#include "tools/wideseek/phone/terminal/TerminalKeys.h"
 
 #include <chrono>
 #include <deque>

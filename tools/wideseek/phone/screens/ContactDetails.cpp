@@ -1,7 +1,7 @@
-#include "tools/wideseek/phone/ContactDetails.h"
+#include "tools/wideseek/phone/screens/ContactDetails.h"
 
 #include "tools/wideseek/phone/EnabledSources.h"
-#include "tools/wideseek/phone/RowSources.h"
+#include "tools/wideseek/phone/screens/RowSources.h"
 
 #include <algorithm>
 #include <optional>

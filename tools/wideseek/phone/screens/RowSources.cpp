@@ -1,4 +1,4 @@
-#include "tools/wideseek/phone/RowSources.h"
+#include "tools/wideseek/phone/screens/RowSources.h"
 
 #include "host/sources/ContactLookup.h"
 #include "host/sources/SourceNames.h"
