@@ -1,8 +1,9 @@
 // The call log: comma-separated values (CsvReader.h) with the columns time, direction, name, number, extra, and the
 // calls that were added since. The file is only read, when it is first asked and again when it has changed.
 //
-// The newest call comes first. Of calls at the same time, the one further down in the file is the newer one. An added
-// call is newer than those of the file, even if that was written by a clock ahead of this one.
+// The newest call comes first, in a search behind those that match better (ContactIndex.h). Of calls at the same time,
+// the one further down in the file is the newer one. An added call is newer than those of the file, even if that was
+// written by a clock ahead of this one.
 #pragma once
 
 #include "host/contacts/ContactTable.h"

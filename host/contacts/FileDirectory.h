@@ -1,5 +1,5 @@
 // A source of contacts over one contact file (ContactFile.h), which is read when it is first asked and again when it
-// has changed. Contacts come in the file's order, and are found again as they were read last.
+// has changed. Contacts come better matches first (ContactIndex.h), and are found again as they were read last.
 #pragma once
 
 #include "host/contacts/ContactTable.h"
