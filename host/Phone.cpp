@@ -95,7 +95,8 @@ ConfiguredLdap configuredLdap(const std::shared_ptr<PhoneCore>& core) {
     ConfigFile& config = core->configFile;
     if (reportUnknownSettings(*core).contains("ldap")) {
         core->addProblem(config.path().string() +
-                         ": LDAP is not asked, since a misspelt setting may be what protects the password; mend it");
+                         ": LDAP is not asked, since a misspelt or misplaced setting may be what protects the "
+                         "password; mend it");
         return {};
     }
     const std::string mode = config.value("ldap", "mode").value_or("embedded");
@@ -108,6 +109,10 @@ ConfiguredLdap configuredLdap(const std::shared_ptr<PhoneCore>& core) {
         return {};
     }
     const std::chrono::milliseconds delay(config.integer("ldap", "delay_ms").value_or(usualLdapDelay.count()));
+    if (config.value("ldap", "delay_ms") && !config.integer("ldap", "delay_ms")) {
+        core->addProblem(config.path().string() + ": [ldap] delay_ms is no whole number; " +
+                         std::to_string(usualLdapDelay.count()) + " is taken");
+    }
     const auto contacts =
         std::make_shared<FileDirectory>(core->realPath("/config/contacts/ldap_directory.csv"), problemSink(core));
     return {std::make_shared<EmbeddedLdap>(core->kernel, contacts, core->options.ldapDelay.value_or(delay)), contacts};

@@ -16,11 +16,9 @@
 #define CH_CAPABILITY(name) CH_THREAD_ATTRIBUTE(capability(name))
 #define CH_SCOPED_CAPABILITY CH_THREAD_ATTRIBUTE(scoped_lockable)
 #define CH_GUARDED_BY(lock) CH_THREAD_ATTRIBUTE(guarded_by(lock))
-#define CH_PT_GUARDED_BY(lock) CH_THREAD_ATTRIBUTE(pt_guarded_by(lock))
 #define CH_ACQUIRE(...) CH_THREAD_ATTRIBUTE(acquire_capability(__VA_ARGS__))
 #define CH_RELEASE(...) CH_THREAD_ATTRIBUTE(release_capability(__VA_ARGS__))
 #define CH_REQUIRES(...) CH_THREAD_ATTRIBUTE(requires_capability(__VA_ARGS__))
-#define CH_EXCLUDES(...) CH_THREAD_ATTRIBUTE(locks_excluded(__VA_ARGS__))
 
 namespace ETL_BaseHelper {
 

@@ -63,6 +63,11 @@ for content, place in (("<root_wideseek>\n <item x=1/></root_wideseek>", ":2:10"
     expect(ended.returncode == 2 and ended.stderr.decode().startswith(f"{FILE}{place}: error: "), f"{content}: {ended}")
     expect(json.loads(run("check", FILE, "--json").stdout)["error"]["message"], f"{content}: no error in JSON")
 
+# However long a value is, what is said of it fits on some lines.
+write_items(item("x" * 100_000, enable="y" * 100_000, priority="z" * 100_000), LOCAL)
+long = json.loads(run("check", FILE, "--json").stdout)["warnings"]
+expect(len(long) == 3 and all(len(warning["message"]) < 300 for warning in long), f"{[len(w['message']) for w in long]}")
+
 # Fifty thousand items, side by side or one in the other, take no longer in proportion. None is a file that never ends.
 for many in ("<item/>" * 50_000, "<item>" * 50_000 + "</item>" * 50_000):
     FILE.write_text(f"<root_wideseek>{many}</root_wideseek>")

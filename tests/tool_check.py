@@ -86,7 +86,8 @@ for arguments, code, words in [
 gone = type_keys("5", root=ROOT / "no")
 expect(gone.returncode == 1 and b"no: no such folder; give a phone's root with --root" in gone.stderr, f"{gone}")
 bare = type_keys("5", root=ROOT / "config")
-expect(bare.returncode == 0 and "wideseek.xml: error: not there" in bare.stderr.decode(), f"a root without a source list: {bare}")
+expect(bare.returncode == 1 and b"wideseek.xml: error: not there" in bare.stderr and b"no source was asked" in bare.stderr,
+       f"a root without a source list: {bare}")
 with open("/dev/full", "w") as full:
     lost = type_keys("5", capture_output=False, stdout=full, stderr=subprocess.DEVNULL)
     expect(lost.returncode == 1, "a full disk goes unnoticed")

@@ -1,11 +1,12 @@
 #include "host/files/ConfigFile.h"
 
+#include "host/files/Problems.h"
+
 #include <algorithm>
 #include <charconv>
 #include <ini.h>
 #include <system_error>
 #include <utility>
-#include <vector>
 
 namespace host {
 
@@ -25,12 +26,11 @@ std::optional<int> toInteger(const std::optional<std::string>& text) {
 // Gives the INI reader its lines, as fgets would, and knows which one it is at.
 struct LineReader {
     std::string_view rest;
-    const std::string& file;
-    int line = 0;
+    Problems problems;
+    std::size_t line = 0;
     bool indented = false;
-    std::vector<std::string> problems;
 
-    void report(const std::string& reason) { problems.push_back(file + ":" + std::to_string(line) + ": " + reason); }
+    void report(const std::string& reason) { problems.add(line, reason); }
 
     static char* next(char* buffer, int size, void* stream) {
         auto& self = *static_cast<LineReader*>(stream);
@@ -59,7 +59,7 @@ ConfigFile::ConfigFile(std::filesystem::path path, ProblemSink problemSink)
 
 ReloadedFile<ConfigFile::Keys>::Made ConfigFile::read(std::string_view bytes, const std::string& file) {
     const auto keys = std::make_shared<Keys>();
-    LineReader lines{.rest = bytes, .file = file, .line = 0, .indented = false, .problems = {}};
+    LineReader lines{.rest = bytes, .problems = Problems(file)};
     const auto store = [](void* user, const char* section, const char* key, const char* text) {
         const auto& [into, from] = *static_cast<std::pair<Keys*, LineReader*>*>(user);
         const auto [known, isNew] = (*into)[key].emplace(section, text);
@@ -72,10 +72,10 @@ ReloadedFile<ConfigFile::Keys>::Made ConfigFile::read(std::string_view bytes, co
     };
     std::pair<Keys*, LineReader*> user(keys.get(), &lines);
     if (const int line = ini_parse_stream(&LineReader::next, &lines, store, &user); line > 0) {
-        lines.line = line;
+        lines.line = static_cast<std::size_t>(line);
         lines.report("is skipped; write [section], key = value, or a comment after \";\"");
     }
-    return {.content = keys, .problems = std::move(lines.problems), .error = {}};
+    return {.content = keys, .problems = lines.problems.take(), .error = {}};
 }
 
 std::shared_ptr<const ConfigFile::Keys> ConfigFile::keys() {

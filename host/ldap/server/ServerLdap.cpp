@@ -228,7 +228,8 @@ void ServerLdap::connect(const Job& job) {
             throw;
         }
         const auto pause = m_pause.refused(std::chrono::steady_clock::now());
-        throw LdapFailure(failure.what() + untried + std::to_string(pause.count()) + " minutes");
+        throw LdapFailure(failure.what() + untried + std::to_string(pause.count()) +
+                          (pause.count() == 1 ? " minute" : " minutes"));
     }
 }
 

@@ -1,5 +1,7 @@
 #include "tools/wideseek/check/SourceListRules.h"
 
+#include "host/files/Problems.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -64,6 +66,12 @@ std::string suggestionFor(const std::string& id) {
     return ".";
 }
 
+// Text of the file as a message holds it: shortened when it is long.
+std::string brief(std::string_view text) {
+    const std::string quoted = host::shown(text);
+    return quoted.substr(1, quoted.size() - 2);
+}
+
 std::string inLine(std::size_t line) {
     return "line " + std::to_string(line);
 }
@@ -119,7 +127,7 @@ private:
                 const std::size_t line = m_file.lineOf(node);
                 m_firstDisabled = m_firstDisabled == 0 ? line : m_firstDisabled;
                 warn(line, "stray-text",
-                     "the text \"" + std::string(trimmed(node.value())) +
+                     "the text \"" + brief(trimmed(node.value())) +
                          "\" is read as one more item, a disabled one without an id; remove it");
             }
         }
@@ -132,7 +140,7 @@ private:
     }
 
     void examineUnread(const SourceElement& element) {
-        const std::string name = "<" + std::string(element.node.name()) + "> ";
+        const std::string name = "<" + brief(element.node.name()) + "> ";
         const pugi::xml_node parent = element.node.parent();
         if (parent == m_root) {
             warn(element.line, "skipped-element",
@@ -150,7 +158,7 @@ private:
         const bool named = std::string_view(element.node.name()) == "item";
         if (!named) {
             warn(element.line, "misnamed-item",
-                 "<" + std::string(element.node.name()) + "> is read as " +
+                 "<" + brief(element.node.name()) + "> is read as " +
                      (element.isEnabled ? "an item" : "an item, a disabled one") +
                      ", as is everything behind the first <item>; remove it or name it item");
         }
@@ -162,7 +170,7 @@ private:
         if (element.isEnabled && !element.place) {
             warn(element.line, "never-asked",
                  "the source is enabled but never asked: the disabled one of " + inLine(m_firstDisabled) +
-                     " ends the list before its priority of " + element.value("priority") +
+                     " ends the list before its priority of " + brief(element.value("priority")) +
                      "; give it a priority below 255");
         }
     }
@@ -173,7 +181,7 @@ private:
             if (attribute && !isNumber(attribute.value())) {
                 const bool disables = !element.isEnabled && std::string_view(name) == "enable";
                 warn(element.line, "not-a-number",
-                     std::string(name) + "=\"" + attribute.value() +
+                     std::string(name) + "=\"" + brief(attribute.value()) +
                          "\" is not a number that the phone reads and counts as " +
                          std::to_string(attribute.as_int(0)) + (disables ? ", so the source is disabled" : ""));
             }
@@ -197,11 +205,11 @@ private:
         const bool again = element.place && first->second != &element;
         if (!isKnown(id)) {
             warn(element.line, "unknown-id",
-                 "the phone has no source \"" + id + "\"" + suggestionFor(id) +
+                 "the phone has no source \"" + brief(id) + "\"" + suggestionFor(id) +
                      (element.place ? " It never answers" + heldPages() : ""));
         } else if (again) {
             warn(element.line, "repeated-id",
-                 "\"" + id + "\" is listed in " + inLine(first->second->line) +
+                 "\"" + brief(id) + "\" is listed in " + inLine(first->second->line) +
                      " already. It is asked once more, but here it never answers" + heldPages());
         }
         const auto twin = m_askedFirst.find(std::string(id == network ? company : network));
@@ -223,7 +231,7 @@ private:
             const bool known = std::find(knownAttributes.begin(), knownAttributes.end(), name) != knownAttributes.end();
             if (!known || !read.insert(name).second) {
                 note(element.line, "unread-attribute",
-                     std::string(attribute.name()) + "=\"" + attribute.value() + "\" is not read" +
+                     brief(attribute.name()) + "=\"" + brief(attribute.value()) + "\" is not read" +
                          (known ? ": the first one of that name counts" : ""));
             }
         }

@@ -76,8 +76,8 @@ int PageServer::run() {
     if (m_output.error() != 0 && m_output.error() != EPIPE) {
         fail(std::string("the output could not be written: ") + std::strerror(m_output.error()));
     }
-    if (m_answers.areAllFailures()) {
-        fail("every source that was asked failed, so nothing could be found; the lines above say what to mend");
+    if (const std::string failure = m_answers.failure(); !failure.empty()) {
+        fail(failure);
     }
     return m_failed ? exitCode::failure : exitCode::success;
 }
@@ -178,6 +178,7 @@ void PageServer::finish() {
 void PageServer::takePage(const WideseekListData& data) {
     const std::chrono::duration<double, std::milli> taken = Clock::now() - m_asked->handedOver;
     m_asked->isAnswered = true;
+    m_answers.notePage(data.strKey);
     Json reply = {{"id", m_asked->id}};
     reply.update(jsonOf({m_asked->line - 1, m_asked->pages++ > 0, taken.count(), data}));
     m_output.write(reply);

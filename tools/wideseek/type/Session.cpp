@@ -71,14 +71,14 @@ void Session::takePage(const WideseekListData& data) {
     const std::size_t index = m_trace.requestOfPage(m_pages++).value_or(m_requests.size() - 1);
     Request& request = m_requests[index];
     m_totals[index] = data.iTotalCount;
+    m_trace.answers().notePage(data.strKey);
     m_onPage({index, request.pages++ > 0, Milliseconds(arrived - request.handedOver).count(), data});
 }
 
 void Session::reportProblems() {
     m_problems.tellOf(m_phone);
-    for (const auto& [source, problem] : m_trace.problems(m_sourceProblems)) {
+    for (const auto& [source, problem] : m_trace.answers().takeProblems()) {
         m_problems.tell(problem, source + ": ");
-        ++m_sourceProblems;
     }
 }
 

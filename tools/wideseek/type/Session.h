@@ -75,7 +75,6 @@ private:
     std::vector<Request> m_requests;
     std::vector<int> m_totals;
     std::size_t m_pages = 0;
-    std::size_t m_sourceProblems = 0; // how many of the sources' have been reported
 };
 
 } // namespace wideseek

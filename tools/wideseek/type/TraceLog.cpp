@@ -5,6 +5,7 @@
 namespace wideseek {
 
 void TraceLog::onTrace(const host::TraceEvent& event) {
+    m_answers.onTrace(event);
     const std::lock_guard lock(m_mutex);
     if (event.kind == host::TraceKind::requestQueued) {
         m_requests.push_back({.queued = event.at, .finished = false, .sources = {}, .pages = {}});
@@ -27,9 +28,6 @@ void TraceLog::onTrace(const host::TraceEvent& event) {
     case host::TraceKind::sourceAnswered:
     case host::TraceKind::sourceAbandoned:
         closeSource(event);
-        if (!event.problem.empty()) {
-            m_problems.push_back({std::string(event.source), std::string(event.problem)});
-        }
         break;
     case host::TraceKind::pageSent:
         // Once a request has been handed over, no page is sent for an older one.
@@ -44,12 +42,6 @@ void TraceLog::onTrace(const host::TraceEvent& event) {
 std::vector<RequestTrace> TraceLog::requests() const {
     const std::lock_guard lock(m_mutex);
     return m_requests;
-}
-
-std::vector<SourceProblem> TraceLog::problems(std::size_t from) const {
-    const std::lock_guard lock(m_mutex);
-    const auto first = m_problems.begin() + static_cast<std::ptrdiff_t>(std::min(from, m_problems.size()));
-    return {first, m_problems.end()};
 }
 
 // It is asked many times for each request, so it looks only at those that were open when it looked last.

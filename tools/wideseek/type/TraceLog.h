@@ -5,6 +5,7 @@
 #pragma once
 
 #include "host/kernel/Trace.h"
+#include "tools/wideseek/SourceAnswers.h"
 #include "tools/wideseek/SourceTrace.h"
 
 #include <mutex>
@@ -27,8 +28,9 @@ public:
 
     std::vector<RequestTrace> requests() const;
 
-    // What sources said was wrong, from the one with this index on.
-    std::vector<SourceProblem> problems(std::size_t from) const;
+    // What the sources said, whatever the request.
+    SourceAnswers& answers() { return m_answers; }
+    const SourceAnswers& answers() const { return m_answers; }
 
     // Every request has been worked, and no source is still being asked.
     bool isIdle() const;
@@ -41,11 +43,12 @@ private:
     RequestTrace* current();
     void closeSource(const host::TraceEvent& event);
 
+    SourceAnswers m_answers;
+
     mutable std::mutex m_mutex; // guards what follows
     std::vector<RequestTrace> m_requests;
     std::size_t m_started = 0;
     mutable std::size_t m_closed = 0; // so many of the first requests wait for nothing any more
-    std::vector<SourceProblem> m_problems;
     std::vector<std::size_t> m_pages; // the request of each page
 };
 

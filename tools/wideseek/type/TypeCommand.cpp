@@ -7,9 +7,7 @@
 #include "tools/wideseek/type/Session.h"
 #include "tools/wideseek/type/TracePrinter.h"
 
-#include <algorithm>
 #include <iostream>
-#include <map>
 #include <string>
 #include <vector>
 
@@ -47,19 +45,6 @@ void printTraces(const Session& session, const TypeArguments& arguments) {
     }
 }
 
-// True when sources were asked, and each of them failed when it answered last. A key that narrows asks LDAP alone,
-// whose failure then leaves the rows of the others.
-bool haveAllSourcesFailed(const TraceLog& trace) {
-    std::map<std::string, bool> failed;
-    for (const RequestTrace& request : trace.requests()) {
-        for (const SourceTrace& source : request.sources) {
-            bool& last = failed.try_emplace(source.name, false).first->second;
-            last = source.answered ? source.failed : last;
-        }
-    }
-    return !failed.empty() && std::all_of(failed.begin(), failed.end(), [](const auto& each) { return each.second; });
-}
-
 } // namespace
 
 int typeKeys(const TypeArguments& arguments) {
@@ -84,8 +69,8 @@ int typeKeys(const TypeArguments& arguments) {
         report("a source has not answered in time, so a late page may be missing; --trace and --log show more");
         succeeded = false;
     }
-    if (haveAllSourcesFailed(session.trace())) {
-        report("every source that was asked failed, so nothing could be found; the lines above say what to mend");
+    if (const std::string failure = session.trace().answers().failure(); !failure.empty()) {
+        report(failure);
         succeeded = false;
     }
     if (arguments.trace) {

@@ -1,4 +1,4 @@
-#include "tools/wideseek/pages/SourceAnswers.h"
+#include "tools/wideseek/SourceAnswers.h"
 
 #include <algorithm>
 #include <utility>
@@ -9,6 +9,7 @@ void SourceAnswers::onTrace(const host::TraceEvent& event) {
     const std::lock_guard lock(m_mutex);
     if (event.kind == host::TraceKind::sourceAsked) {
         m_failed.try_emplace(std::string(event.source), false);
+        m_asked = m_asked || !event.key.empty();
     } else if (event.kind == host::TraceKind::sourceAnswered) {
         m_failed[std::string(event.source)] = event.failed;
     }
@@ -22,10 +23,20 @@ std::vector<SourceProblem> SourceAnswers::takeProblems() {
     return std::exchange(m_problems, {});
 }
 
-bool SourceAnswers::areAllFailures() const {
+void SourceAnswers::notePage(const std::string& key) {
     const std::lock_guard lock(m_mutex);
-    return !m_failed.empty() &&
-           std::all_of(m_failed.begin(), m_failed.end(), [](const auto& each) { return each.second; });
+    m_searched = m_searched || !key.empty();
+}
+
+std::string SourceAnswers::failure() const {
+    const std::lock_guard lock(m_mutex);
+    if (m_searched && !m_asked) {
+        return "no source was asked, so nothing could be found; mend the source list (wideseek check explains it)";
+    }
+    const bool failed = !m_failed.empty() &&
+                        std::all_of(m_failed.begin(), m_failed.end(), [](const auto& each) { return each.second; });
+    return failed ? "every source that was asked failed, so nothing could be found; the lines above say what to mend"
+                  : "";
 }
 
 } // namespace wideseek

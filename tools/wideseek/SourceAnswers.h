@@ -21,11 +21,17 @@ public:
     // The problems that sources told of since this was asked last.
     std::vector<SourceProblem> takeProblems();
 
-    // True when sources have been asked, and each of them failed when it answered last.
-    bool areAllFailures() const;
+    // A page came for this key, as the page reports it.
+    void notePage(const std::string& key);
+
+    // Why nothing could be found, whatever was searched for, and what to do: each source that was asked failed when it
+    // answered last, or none was asked at all. Empty: that is not so.
+    std::string failure() const;
 
 private:
     mutable std::mutex m_mutex;           // guards what follows
+    bool m_searched = false;              // a key that is not empty had its page
+    bool m_asked = false;                 // a source was asked for such a key
     std::map<std::string, bool> m_failed; // by the source's name: its last answer, if any
     std::vector<SourceProblem> m_problems;
 };
