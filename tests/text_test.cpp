@@ -79,6 +79,10 @@ TEST(KeyConversion, FoldsCaseAndWidthTrimsBlanksAndKeepsOnlyTheDigitsOfPlainNumb
              {"Jose\u0301 STRASSE ß", "josé strasse ss"},
              {"＋４９\u00A0[30]\u2011{12}.34", "49301234"},
              {"(+49) 30-1", "49301"},
+             {"+44 (0)20 (0)", "4420"},
+             {"0044(0) 20", "004420"},
+             {"44 (0)20", "44020"},
+             {"(0)20", "020"},
              {"A\xFF\x80 \xC3", "a\xFF\x80 \xC3"},
              {"A\0B "s, "a\0b"s},
          }) {
@@ -149,6 +153,7 @@ TEST(Matching, FindsTheWordsOfTextAnywhereInANamePastWhatCountsForNothing) {
              {"soeren", "[Søren]"},
              {"aas", "[Ås]"},
              {"aebler", "[Æbler]"},
+             {"thordur", "[Þórður]"},
              {"ue", "Muller"},
              // digits are the letters that they stand for
              {"5336", "[Jed M]arlowe"},
