@@ -29,7 +29,7 @@ std::string resultOf(const SourceTrace& source) {
     }
     const std::string time = withOneDecimal(millisecondsOf(source)) + " ms";
     if (source.failed) {
-        return "failed after " + time + (source.problem.empty() ? "" : ": " + source.problem);
+        return "failed after " + time; // why stands among the problems
     }
     return std::to_string(source.contacts) + " found, " + time +
            (source.problem.empty() ? "" : ", cut short: " + source.problem);

@@ -64,6 +64,7 @@ bool SideScreen::choose(int by) {
 }
 
 SideScreen::Wish SideScreen::scroll(const Input& input) {
+    m_text.revealing = false;
     switch (input.key) {
     case Key::up:
     case Key::down:
