@@ -126,7 +126,7 @@ TextScreen helpScreen() {
         {"Left Right", "move the caret, with Ctrl by words; Home and End to the ends of what is typed"},
         {"Escape", "clears: the recent calls"},
         {"Up Down", "choose a row; Ctrl-P and Ctrl-N as well"},
-        {"Page Up Down", "one screen of rows"},
+        {"PgUp PgDn", "one screen of rows"},
         {"Ctrl-Home", "first row; Ctrl-End last"},
         {"Enter", "shows what would be dialled, and makes it a recent call"},
         {"F2, Tab", "letters typed as digits: abc 2, def 3, ... wxyz 9; again: as letters"},
