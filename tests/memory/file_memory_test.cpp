@@ -1,4 +1,4 @@
-// The same for sources that read files: whichever of their allocations fails, the source fails and says why, and the
+// Every allocation of a source that reads files can fail, too. Whichever it is, the source fails and says why, and the
 // next search finds its contacts.
 
 #include "host/kernel/HeldLocks.h"
@@ -24,8 +24,7 @@ struct Failures : host::TraceSink {
     }
 };
 
-// A phone that reads the files for the first time: the rows that a key finds while the nth allocation fails, and how
-// many failed. Without a fault the rows are found at the next try.
+// A phone that reads its files for the first time.
 class FreshPhone {
 public:
     explicit FreshPhone(const TempRoot& root)
