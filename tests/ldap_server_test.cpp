@@ -404,7 +404,7 @@ TEST(LdapServer, TlsIsSpokenToAServerWhoseCertificateIsTrusted) {
             ServerLdapOptions chosen = anonymousAt(startTls ? server().url : server().tlsUrl);
             chosen.startTls = startTls;
             chosen.verify = verify;
-            chosen.caFile = verify ? server().folder / "server.pem" : "";
+            chosen.caFile = verify ? server().folder.path() / "server.pem" : "";
             EXPECT_EQ(ask(*open(chosen), "person 00").rows.size(), 147U) << startTls << verify;
         }
     }
