@@ -379,7 +379,7 @@ TEST(LdapServer, AnExceptionFailsTheAnswerAndTheWorkerGoesOn) {
             exceptions[next]();
         }
     });
-    for (const std::string& words : {"no memory"s, "an accident"s, "no words"s}) {
+    for (const std::string& words : {"no memory"s, "an accident"s, "without a description"s}) {
         peer.allow(SIZE_MAX);
         EXPECT_EQ(ask(*directory, "person 00").rows.size(), 147U);
         peer.allow(1);

@@ -16,7 +16,7 @@ namespace {
 
 using Json = nlohmann::json;
 
-// What stands behind a member's name: a text, a number, or what no member is.
+// The value of a member: a text, a whole number, or neither, which no member may be.
 struct Value {
     const std::string* text = nullptr;
     std::optional<int> number;
@@ -103,7 +103,7 @@ public:
     }
 
 private:
-    // A list or an object where none is looked at.
+    // A list or an object begins that is passed over.
     bool pass() {
         const bool goesOn = m_passed > 0 || value({});
         ++m_passed;
