@@ -80,7 +80,7 @@ public:
     bool isIdle() const;
 
     // What went wrong with the phone's files so far ("file:line: reason"), each problem once, from the one with this
-    // index on: who asks again gives how many it has been given. Any thread.
+    // index on. To ask for new ones alone, pass how many you have seen. Any thread.
     std::vector<std::string> problems(std::size_t from = 0) const;
 
     // Told of everything that crosses the platform boundary; null ends it. Not while a search runs.

@@ -1,8 +1,8 @@
 // What the functions of platform/ act on: the parts of the one phone of this process.
 //
 // A Phone (Phone.h) makes it known on construction and forgets it on destruction, after everything that was queued has
-// been let go of. Whoever works with it holds it shared, so that a function that is running when the phone goes down on
-// another thread still finds a stopped phone and not a gone one. All operations may be called from any thread.
+// been let go of. Whoever works with it shares in owning it: a function that is running while another thread takes the
+// phone down finds a phone that has stopped, not one that has been freed. All operations may be called from any thread.
 #pragma once
 
 #include "host/PhoneOptions.h"
@@ -79,7 +79,7 @@ public:
 
     void trace(TraceEvent event) override;
 
-    // Lets another thread come in, so to speak.
+    // Runs what a test has set to come in at this call (Interruption.h).
     void interrupt(PlatformFunction function, PlatformCall::Moment moment = PlatformCall::Moment::called);
 
     // The value of a key of the configuration: what was set here, else the file's; -1 when there is none.

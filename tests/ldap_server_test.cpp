@@ -379,7 +379,7 @@ TEST(LdapServer, AnExceptionFailsTheAnswerAndTheWorkerGoesOn) {
             exceptions[next]();
         }
     });
-    for (const std::string& words : {"no memory"s, "an accident"s, "no words"s}) {
+    for (const std::string& words : {"no memory"s, "an accident"s, "without a description"s}) {
         peer.allow(SIZE_MAX);
         EXPECT_EQ(ask(*directory, "person 00").rows.size(), 147U);
         peer.allow(1);
@@ -404,7 +404,7 @@ TEST(LdapServer, TlsIsSpokenToAServerWhoseCertificateIsTrusted) {
             ServerLdapOptions chosen = anonymousAt(startTls ? server().url : server().tlsUrl);
             chosen.startTls = startTls;
             chosen.verify = verify;
-            chosen.caFile = verify ? server().folder / "server.pem" : "";
+            chosen.caFile = verify ? server().folder.path() / "server.pem" : "";
             EXPECT_EQ(ask(*open(chosen), "person 00").rows.size(), 147U) << startTls << verify;
         }
     }

@@ -86,9 +86,17 @@ TEST_F(PresenceFile, WhatIsWrongIsReportedOnceAndTheRestIsKept) {
     for (std::size_t i = 0; i < problems.size(); ++i) {
         EXPECT_NE(problems[i].find(std::string("b.json:entry ") + reasons[i]), std::string::npos) << problems[i];
     }
-    write("[{\"id\": 1},");
-    EXPECT_EQ(idsOf(file, ""), "failed");
-    EXPECT_EQ(problems.size(), std::size(reasons) + 1);
+    const std::pair<const char*, const char*> unreadable[] = {
+        {"[{\"id\": 1},\n", "b.json:2: is not JSON (unexpected end of input; "},
+        {"[{\"id\": 1e999}]", "b.json:1: is not JSON (number overflow parsing '1e999'); mend the file there"},
+        {"[\n{\"name\": \"M\xFCller\"}]", "b.json:2: is not UTF-8 text; save the file as UTF-8"},
+        {"[\xC3\xBC]", "b.json:1: is not JSON (invalid literal"}};
+    for (const auto& [bytes, reason] : unreadable) {
+        write(bytes);
+        EXPECT_EQ(idsOf(file, ""), "failed");
+        EXPECT_NE(problems.back().find(reason), std::string::npos) << problems.back();
+    }
+    EXPECT_EQ(problems.size(), std::size(reasons) + std::size(unreadable));
     write(R"([{"id": 12}])");
     EXPECT_EQ(idsOf(file, ""), "12 ");
 }

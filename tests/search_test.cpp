@@ -9,6 +9,8 @@
 
 #include <algorithm>
 #include <map>
+#include <tuple>
+#include <utility>
 
 namespace {
 
@@ -169,18 +171,20 @@ public:
     void add(int id, const std::string& name, const std::vector<std::string>& attributes) {
         PresenceInfo& info = details[id] = {"i1", name, "i2", "", 4, "", {}, true, "", id};
         for (const std::string& value : attributes) {
-            info.listAttr.push_back({"", value, value.starts_with("x") ? 1 : 2});
+            info.listAttr.push_back(
+                {"", value, value.starts_with("x") ? ATTRIBUTE_TYPE_PHONE - 1 : ATTRIBUTE_TYPE_PHONE});
         }
         found.push_back(id);
     }
     bool GetListByGroupId(ContactBuddyListData* pList, int& iState, int iGroupId, const std::string& strKey,
                           AttrType eType) override {
-        EXPECT_EQ(std::to_string(iState) + std::to_string(iGroupId) + strKey + std::to_string(eType), "1053");
+        EXPECT_EQ(std::tuple(iState, iGroupId, strKey, eType), std::tuple(1, 0, "5", ATTR_TYPE_SEARCH))
+            << "buddies of all groups, whatever their state";
         pList->listContactId = found;
         return succeeds;
     }
     int GetContactDetail(PresenceInfo& info, PresenceType eType, int iFlag) override {
-        EXPECT_EQ(eType + iFlag, 2);
+        EXPECT_EQ(std::pair(eType, iFlag), std::pair(PRESENCE_TYPE_BUDDY, 0));
         const auto it = details.find(info.iContactId);
         info = it == details.end() ? info : it->second;
         return it == details.end() ? 0 : 1;

@@ -144,6 +144,8 @@ with open(made / "config/contacts/local_directory.csv", "a") as contacts:
     contacts.write("Zoë,53\n")
 found = type_keys("--json", "53", root=made)
 expect(names(json.loads(found.stdout)) == ["Zoë", "Remy"] and not found.stderr, f"on a new phone: {found}")
+many = type_keys("--json", *["53"] * 16_000, root=made, timeout=15).stdout  # in time proportional to their number
+expect(many.count(b"\n") == 16_000, "a page for each of many keys")
 again = run("init", made)
 expect(again.returncode == 1 and b"holds a phone already" in again.stderr, f"made twice: {again}")
 expect(run("init", "/dev/null/no").stderr.startswith(b"wideseek: /dev/null/no/config/contacts: cannot be made (Not a dir"),

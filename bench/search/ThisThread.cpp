@@ -4,14 +4,13 @@
 #include "app/Gui/Logic/Wideseek/modWideseek.h"
 #include "bench/People.h"
 #include "host/contacts/FileDirectory.h"
+#include "host/files/TemporaryFolder.h"
 
 #include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <string>
 #include <utility>
-
-#include <unistd.h>
 
 namespace bench {
 
@@ -23,30 +22,24 @@ public:
     void abandon() override {}
 };
 
-// A folder for the phone's files, gone at the end.
+// A folder for the phone's files.
 class Folder {
 public:
-    Folder() : m_path(std::filesystem::temp_directory_path() / ("wideseek-bench-" + std::to_string(getpid()))) {
-        std::filesystem::create_directories(m_path / "config/data");
-        std::ofstream(m_path / "config/data/wideseek.xml") << R"(<root_wideseek>
+    Folder() {
+        std::filesystem::create_directories(m_folder.path() / "config/data");
+        std::ofstream(m_folder.path() / "config/data/wideseek.xml") << R"(<root_wideseek>
             <item id_name="local_directory_search" enable="1" priority="1"/>
             <item id_name="ldap_search" enable="1" priority="2"/>
             </root_wideseek>)";
     }
-    ~Folder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_path, ignored);
-    }
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
 
     static const std::filesystem::path& path() {
         static const Folder folder;
-        return folder.m_path;
+        return folder.m_folder.path();
     }
 
 private:
-    std::filesystem::path m_path;
+    host::TemporaryFolder m_folder;
 };
 
 } // namespace

@@ -48,7 +48,7 @@ public:
     // Delivers an answer of the LDAP directory, and the page that it causes if anybody wants one.
     void answerLdap(NS_TA::CLdapAction& answer);
 
-    // Called from now on when a page is sent, which the search may have work behind.
+    // Called from now on when a page is sent. The search may go on working after that.
     void watchPages(std::function<void()> onPage);
 
     // From now on nobody wants a page, until the next request.

@@ -7,6 +7,7 @@
 #include "bench/session/KeySearch.h"
 #include "bench/session/Population.h"
 #include "host/Phone.h"
+#include "host/files/TemporaryFolder.h"
 #include "host/sources/ContactSource.h"
 #include "platform/TaskAction.h"
 
@@ -75,7 +76,7 @@ private:
     void setContacts(const std::shared_ptr<host::ContactSource>& local,
                      const std::shared_ptr<host::ContactSource>& calls);
 
-    TemporaryFolder m_root;
+    host::TemporaryFolder m_root;
     host::Phone m_phone;
     std::shared_ptr<host::ContactSource> m_local;
     std::shared_ptr<host::ContactSource> m_calls;

@@ -1,14 +1,13 @@
 #include "bench/session/Population.h"
 
 #include "bench/People.h"
+#include "platform/Presence.h"
 
 #include <nlohmann/json.hpp>
 
-#include <cstdlib>
 #include <fstream>
 #include <random>
 #include <set>
-#include <stdexcept>
 #include <utility>
 
 namespace bench {
@@ -16,7 +15,6 @@ namespace bench {
 namespace {
 
 constexpr std::size_t sharedOneIn = 5;
-constexpr int phoneNumber = 2; // type of a buddy's attribute
 
 // People that can stand in one phone: no name and number belongs to two of them.
 class NewPeople {
@@ -73,7 +71,8 @@ void writeBuddies(const std::vector<DirectorySearchData>& contacts, const std::f
         auto attributes = nlohmann::json::array();
         for (const std::string& number : {contact.strNumber1, contact.strNumber2, contact.strNumber3}) {
             if (!number.empty()) {
-                attributes.push_back({{"name", "phone"}, {"type", phoneNumber}, {"value", number}});
+                attributes.push_back(
+                    {{"name", "phone"}, {"type", static_cast<int>(ATTRIBUTE_TYPE_PHONE)}, {"value", number}});
             }
         }
         list.push_back({{"id", list.size() + 1},
@@ -121,19 +120,6 @@ void writePhone(const Population& population, const std::filesystem::path& root)
            "  <item id_name=\"BroadSoft_directory_search\" enable=\"1\" priority=\"4\"/>\n"
            "  <item id_name=\"BroadSoft_UC_search\" enable=\"1\" priority=\"5\"/>\n"
            "</root_wideseek>\n";
-}
-
-TemporaryFolder::TemporaryFolder() {
-    auto name = (std::filesystem::temp_directory_path() / "wideseek-bench-XXXXXX").string();
-    if (!mkdtemp(name.data())) {
-        throw std::runtime_error("no folder could be made in " + std::filesystem::temp_directory_path().string());
-    }
-    m_path = name;
-}
-
-TemporaryFolder::~TemporaryFolder() {
-    std::error_code ignored; // what is left is left to whoever cleans the system's folder
-    std::filesystem::remove_all(m_path, ignored);
 }
 
 } // namespace bench

@@ -30,18 +30,4 @@ inline constexpr const char* callLogContacts = "config/contacts/call_log_contact
 // Writes contact files, buddies and source list below root.
 void writePhone(const Population& population, const std::filesystem::path& root);
 
-// A folder of its own for as long as it lives.
-class TemporaryFolder {
-public:
-    TemporaryFolder();
-    ~TemporaryFolder();
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-    const std::filesystem::path& path() const { return m_path; }
-
-private:
-    std::filesystem::path m_path;
-};
-
 } // namespace bench

@@ -2,12 +2,15 @@
 
 #include "host/files/Problems.h"
 #include "host/text/Key.h"
+#include "host/text/Utf8.h"
 #include "platform/Presence.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <limits>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <string_view>
 #include <utility>
 
 namespace host {
@@ -16,7 +19,7 @@ namespace {
 
 using Json = nlohmann::json;
 
-// What stands behind a member's name: a text, a number, or what no member is.
+// The value of a member: a text, a whole number, or neither, which no member may be.
 struct Value {
     const std::string* text = nullptr;
     std::optional<int> number;
@@ -28,7 +31,8 @@ class Reader final : public nlohmann::json_sax<Json> {
 public:
     using Take = std::function<std::string(const PresenceInfo& buddy)>;
 
-    Reader(const std::string& file, const Take& take) : m_file(file), m_take(take), m_problems(file) {}
+    Reader(std::string_view bytes, const std::string& file, const Take& take)
+        : m_bytes(bytes), m_file(file), m_take(take), m_problems(file) {}
 
     BuddyFile result() { return {m_problems.take(), std::move(m_error)}; }
 
@@ -97,13 +101,25 @@ public:
         return true;
     }
 
-    bool parse_error(std::size_t, const std::string&, const Json::exception& reason) override {
-        m_error = m_file + ": " + reason.what();
+    bool parse_error(std::size_t position, const std::string&, const Json::exception& reason) override {
+        const std::string_view before = m_bytes.substr(0, std::min(position, m_bytes.size()));
+        const auto line = 1 + std::count(before.begin(), before.end(), '\n');
+        m_error = m_file + ":" + std::to_string(line) + ": ";
+        if (!text::isUtf8(before) && !text::isUtf8(m_bytes)) {
+            m_error += "is not UTF-8 text; save the file as UTF-8";
+            return false;
+        }
+        // "[...parse_error.101] parse error at ...: syntax error while parsing value - what is wrong"
+        std::string_view words = reason.what();
+        for (const std::string_view ahead : {"] ", " - "}) {
+            words.remove_prefix(words.find(ahead) == std::string_view::npos ? 0 : words.find(ahead) + ahead.size());
+        }
+        m_error.append("is not JSON (").append(words).append("); mend the file there");
         return false;
     }
 
 private:
-    // A list or an object where none is looked at.
+    // A list or an object begins that is passed over.
     bool pass() {
         const bool goesOn = m_passed > 0 || value({});
         ++m_passed;
@@ -218,6 +234,7 @@ private:
 
     void problem(const std::string& reason) { m_problems.add("entry " + std::to_string(m_entry), reason); }
 
+    const std::string_view m_bytes;
     const std::string& m_file;
     const Take& m_take;
     Problems m_problems;
@@ -236,7 +253,7 @@ private:
 
 BuddyFile readBuddies(std::string_view bytes, const std::string& file,
                       const std::function<std::string(const PresenceInfo& buddy)>& take) {
-    Reader reader(file, take);
+    Reader reader(bytes, file, take);
     Json::sax_parse(bytes, &reader);
     return reader.result();
 }

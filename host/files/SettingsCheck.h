@@ -1,4 +1,5 @@
-// Looks for settings that nobody knows: misspelt names, whose values would be passed over without a word.
+// Looks for settings that nobody knows or that are out of place: misspelt names, keys in no section or in another one,
+// headers that are not closed. Their values would be passed over without a word.
 //
 //     const KnownSettings known = {{"features", {"FeaturesRecentCallEnable"}}, {"ldap", {"mode", "url"}}};
 //     const SettingsCheck check = checkSettings(bytes, "phone.ini", known);
@@ -17,7 +18,7 @@ using KnownSettings = std::map<std::string, std::vector<std::string>, std::less<
 
 struct SettingsCheck {
     std::vector<std::string> problems; // "file:line: reason; what to do"
-    std::set<std::string> doubtful;    // the known sections that a misspelt setting was probably meant for
+    std::set<std::string> doubtful;    // the known sections that such a line was probably meant for
 };
 
 // bytes: an INI file as ConfigFile.h reads it; file: what the problems call it. Any thread.

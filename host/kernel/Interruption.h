@@ -1,4 +1,5 @@
-// The calls of the platform's functions that another thread could come in at, and what a test has come in there.
+// The calls of the platform's functions at which another thread could come in, and what a test lets happen there in its
+// place.
 #pragma once
 
 #include <functional>

@@ -1,5 +1,5 @@
-// Where the parts of a phone say what they do, and by which a part that is called back later knows whether its phone is
-// still there:
+// Where the parts of a phone say what they do. A part that is called back later also learns from it whether its phone
+// is still there:
 //
 //     directory.start(query, [this, weak = m_reporter.weak_from_this()](LdapAnswer answer) {
 //         if (const auto alive = weak.lock()) {
@@ -28,7 +28,7 @@ public:
         try {
             report(level, words());
         } catch (...) {
-            // Whoever tells of a failure must not fail for it.
+            // A report must not become a second failure.
         }
     }
 

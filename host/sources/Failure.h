@@ -7,7 +7,7 @@
 
 namespace host {
 
-// The reason that the exception gives that is being handled; empty when there is no memory for the reason itself.
+// The reason that the exception gives that is being handled. No memory is needed for the shortest one.
 inline std::string reasonOfCurrentException() noexcept {
     try {
         try {
@@ -20,7 +20,7 @@ inline std::string reasonOfCurrentException() noexcept {
             return "the source gives no reason";
         }
     } catch (...) {
-        return {};
+        return "no memory";
     }
 }
 

@@ -45,7 +45,7 @@ void TextKey::set(std::string_view key) {
             plainWords.emplace_back(*word);
         }
     }
-    m_key = key; // nothing fails from here on, or this does and nothing has changed
+    m_key = key; // the last step that may fail, and then nothing has changed
     m_words.swap(words);
     m_plainWords.swap(plainWords);
 }

@@ -35,8 +35,8 @@ public:
     }
 
     // The high bit of every byte of word at which the key's last two bytes may stand, and of every byte that is not
-    // ASCII. Both are looked for at once, as one alone is found too often and in vain; the last two, as what a person
-    // narrows has all that was typed before them.
+    // ASCII. One byte alone would be found too often in vain, so both are looked for at once. They are the last two
+    // because all rows that are narrowed hold the key's beginning already.
     Word candidates(Word word) const {
         const Word difference = (word ^ m_beforeLast) | ((word >> m_toLast) ^ m_last);
         return (~(difference + lowBits) | word) & highBits;

@@ -112,8 +112,8 @@ std::vector<Part> findKey(std::string_view name, std::string_view key) {
                             : findAll(name, keyWords(key), appendCompact);
 }
 
-// A key that stands in one of a national number's forms. What is ahead of the number proper there is all that is ahead
-// of it here.
+// Finds a key in the forms of a national number. A prefix that the key holds there, such as "0044", stands for all that
+// is written ahead of the national part here, such as "+44".
 std::optional<Part> findInNumberForms(std::string_view number, std::string_view key) {
     const auto national = nationalNumber(number);
     if (!national) {

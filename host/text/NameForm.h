@@ -5,8 +5,8 @@
 // with letters that people also write as two has a second form with those: Müller is muller and mueller.
 //
 // A key of text is cut into words at blanks and commas. It matches a name when each of its words, in its compact form,
-// stands anywhere in one of the name's forms: "smith, john" finds John Smith. Words of a key's beginning stand in the
-// whole key as they are, but for the last one, which may go on: what a longer key finds, a shorter one has found.
+// stands anywhere in one of the name's forms: "smith, john" finds John Smith. When a key grows, its last word goes on
+// or a new one begins, and all others stay. So what a longer key finds, the shorter one has found.
 //
 // All functions are pure; any thread. Bytes that are not UTF-8 stay as they are.
 #pragma once

@@ -15,8 +15,8 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     std::size_t next = 0;
-    // Past the input every choice is the last one: the first is what is rare, and a request that always comes in while
-    // another is worked never ends.
+    // Behind the end of the input every choice is the last one. The first ones are the rare events, and a session of
+    // these alone, such as requests inside requests, would never end.
     test::playSession(static_cast<long>(std::min<std::size_t>(size, 1000) / 4),
                       [&](int end) { return next < size ? data[next++] % end : end - 1; });
     return 0;

@@ -6,7 +6,10 @@
 //     const std::size_t failed = std::exchange(allocationFault, {}).failed;
 #pragma once
 
+#include "tests/support/SteppedPhone.h"
+
 #include <cstddef>
+#include <utility>
 
 namespace test {
 
@@ -17,5 +20,14 @@ struct AllocationFault {
 };
 
 extern thread_local AllocationFault allocationFault;
+
+// Shows pages, which is the screen's own business and not the search's: no allocation of it fails.
+struct SteadyScreen : Screen {
+    void OnTaskActionCallback(NS_TA::CTaskAction* pAction) override {
+        const AllocationFault kept = std::exchange(allocationFault, {});
+        Screen::OnTaskActionCallback(pAction);
+        allocationFault = kept;
+    }
+};
 
 } // namespace test

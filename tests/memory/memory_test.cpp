@@ -19,15 +19,6 @@ namespace {
 
 using namespace test;
 
-// Shows pages, which is the screen's own business and not the search's: no allocation of it fails.
-struct SteadyScreen : Screen {
-    void OnTaskActionCallback(NS_TA::CTaskAction* pAction) override {
-        const AllocationFault kept = std::exchange(allocationFault, {});
-        Screen::OnTaskActionCallback(pAction);
-        allocationFault = kept;
-    }
-};
-
 struct Buddies final : CPresenceContactManager {
     bool GetListByGroupId(ContactBuddyListData* pList, int&, int, const std::string& key, AttrType) override {
         if (std::string("5371").starts_with(key)) {

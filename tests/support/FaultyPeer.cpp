@@ -16,8 +16,8 @@
 
 namespace {
 
-int newSocket(int flags = 0) {
-    return ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | flags, 0);
+host::Descriptor newSocket(int flags = 0) {
+    return host::Descriptor(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | flags, 0));
 }
 
 // Calls connect or bind for the port on the loopback interface.
@@ -40,25 +40,22 @@ int bindFree(int socket) {
 
 } // namespace
 
-Socket::~Socket() {
-    ::close(fd);
-}
-
 int freePort() {
-    return bindFree(Socket{newSocket()}.fd);
+    return bindFree(newSocket().number());
 }
 
 bool answersAt(int port) {
-    return onLoopback(::connect, Socket{newSocket()}.fd, port);
+    return onLoopback(::connect, newSocket().number(), port);
 }
 
 FaultyPeer::FaultyPeer(Fault fault, int target, std::size_t allowed, std::string flood)
-    : m_fault(fault), m_target(target), m_flood(std::move(flood)), m_listener{newSocket()},
-      m_port(bindFree(m_listener.fd)), m_allowed(allowed) {
-    ::listen(m_listener.fd, fault == Fault::full ? 0 : 16);
+    : m_fault(fault), m_target(target), m_flood(std::move(flood)), m_listener(newSocket()),
+      m_port(bindFree(m_listener.number())), m_allowed(allowed) {
+    ::listen(m_listener.number(), fault == Fault::full ? 0 : 16);
     for (int i = 0; i < 4 && fault == Fault::full; ++i) {
-        const int client = m_links.emplace_back().client.fd = newSocket(SOCK_NONBLOCK);
-        onLoopback(::connect, client, m_port);
+        host::Descriptor& client = m_links.emplace_back().client;
+        client = newSocket(SOCK_NONBLOCK);
+        onLoopback(::connect, client.number(), m_port);
     }
     if (fault != Fault::full) {
         m_thread = std::jthread([this](const std::stop_token& stop) { serve(stop); });
@@ -67,14 +64,14 @@ FaultyPeer::FaultyPeer(Fault fault, int target, std::size_t allowed, std::string
 
 void FaultyPeer::serve(const std::stop_token& stop) {
     while (!stop.stop_requested()) {
-        std::vector<pollfd> watched = {{m_listener.fd, POLLIN, 0}};
+        std::vector<pollfd> watched = {{m_listener.number(), POLLIN, 0}};
         for (const Link& link : m_links) {
             const bool stalled = m_fault == Fault::stall && link.sent >= m_allowed;
-            watched.push_back({link.client.fd, POLLIN, 0});
+            watched.push_back({link.client.number(), POLLIN, 0});
             if (m_fault == Fault::flood) {
-                watched.push_back({link.heard ? link.client.fd : -1, POLLOUT, 0});
+                watched.push_back({link.heard ? link.client.number() : -1, POLLOUT, 0});
             } else {
-                watched.push_back({stalled ? -1 : link.server.fd, POLLIN, 0});
+                watched.push_back({stalled ? -1 : link.server.number(), POLLIN, 0});
             }
         }
         ::poll(watched.data(), watched.size(), 10);
@@ -88,9 +85,10 @@ void FaultyPeer::serve(const std::stop_token& stop) {
         });
         if (watched[0].revents != 0) {
             Link& link = m_links.emplace_back();
-            link.client.fd = ::accept4(m_listener.fd, nullptr, nullptr, SOCK_CLOEXEC);
+            link.client = host::Descriptor(::accept4(m_listener.number(), nullptr, nullptr, SOCK_CLOEXEC));
             if (m_target != 0) {
-                onLoopback(::connect, link.server.fd = newSocket(), m_target);
+                link.server = newSocket();
+                onLoopback(::connect, link.server.number(), m_target);
             }
             ++m_connections;
         }
@@ -105,7 +103,7 @@ bool FaultyPeer::pass(Link& link, bool fromServer) {
     if (room == 0) {
         return m_fault == Fault::stall;
     }
-    const int from = fromServer ? link.server.fd : link.client.fd;
+    const int from = fromServer ? link.server.number() : link.client.number();
     const ssize_t got = ::read(from, buffer.data(), std::min(buffer.size(), room));
     if (got <= 0) {
         return false;
@@ -119,14 +117,14 @@ bool FaultyPeer::pass(Link& link, bool fromServer) {
         m_changed.notify_all();
         link.heard = true;
     }
-    const int to = fromServer ? link.client.fd : link.server.fd;
+    const int to = fromServer ? link.client.number() : link.server.number();
     return to < 0 || ::send(to, bytes.data(), bytes.size(), MSG_NOSIGNAL) == got;
 }
 
 // False: the link is over.
 bool FaultyPeer::pour(Link& link) const {
     const std::string_view rest = std::string_view(m_flood).substr(link.sent % m_flood.size());
-    const ssize_t poured = ::send(link.client.fd, rest.data(), rest.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+    const ssize_t poured = ::send(link.client.number(), rest.data(), rest.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
     link.sent += poured > 0 ? static_cast<std::size_t>(poured) : 0;
     return poured > 0 || errno == EAGAIN;
 }

@@ -1,6 +1,8 @@
 // A TCP server that misbehaves, for tests of network code. It works on a thread of its own.
 #pragma once
 
+#include "host/files/Descriptor.h"
+
 #include <atomic>
 #include <condition_variable>
 #include <list>
@@ -14,12 +16,6 @@ int freePort();
 
 // True when somebody accepts connections at this loopback port.
 bool answersAt(int port);
-
-// Closes what it holds.
-struct Socket {
-    int fd = -1;
-    ~Socket();
-};
 
 class FaultyPeer {
 public:
@@ -51,7 +47,7 @@ public:
 
 private:
     struct Link {
-        Socket client, server;
+        host::Descriptor client, server;
         std::size_t sent = 0;
         bool heard = false;
     };
@@ -63,7 +59,7 @@ private:
     const Fault m_fault;
     const int m_target;
     const std::string m_flood;
-    const Socket m_listener;
+    const host::Descriptor m_listener;
     const int m_port;
     std::list<Link> m_links; // the thread's, and of a full peer those that fill its queue
     std::atomic<std::size_t> m_allowed;

@@ -64,10 +64,9 @@ void writePeople(std::ofstream file) {
 } // namespace
 
 SlapdServer::SlapdServer() {
-    std::string name = (std::filesystem::temp_directory_path() / "slapd-XXXXXX").string();
-    folder = ::mkdtemp(name.data()) != nullptr ? name : "";
-    std::ofstream(folder / "slapd.conf") << settings;
-    writePeople(std::ofstream(folder / "people.ldif"));
+    const std::string name = folder.path();
+    std::ofstream(folder.path() / "slapd.conf") << settings;
+    writePeople(std::ofstream(folder.path() / "people.ldif"));
     const std::string prepare =
         "cd " + name +
         " && openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -days 2 -subj /CN=localhost"
@@ -95,6 +94,4 @@ SlapdServer::SlapdServer() {
 SlapdServer::~SlapdServer() {
     ::kill(process, SIGTERM);
     ::waitpid(process, nullptr, 0);
-    std::error_code ignored;
-    std::filesystem::remove_all(folder, ignored);
 }

@@ -4,11 +4,11 @@
 // whatever becomes of that. All operations are for one thread, which must outlive the server.
 #pragma once
 
+#include "host/files/TemporaryFolder.h"
 #include "tests/support/FaultyPeer.h"
 
 #include <sys/types.h>
 
-#include <filesystem>
 #include <string>
 
 struct SlapdServer {
@@ -22,6 +22,6 @@ struct SlapdServer {
     const int tlsPort = freePort();
     const std::string url = "ldap://127.0.0.1:" + std::to_string(port);
     const std::string tlsUrl = "ldaps://127.0.0.1:" + std::to_string(tlsPort);
-    std::filesystem::path folder; // with server.pem, its own certificate and its issuer's
+    const host::TemporaryFolder folder; // with server.pem, its own certificate and its issuer's
     pid_t process = -1;
 };

@@ -154,7 +154,7 @@ void addInit(CLI::App& parser, InitArguments& arguments) {
     parser.footer(initFooter);
 }
 
-// What a newcomer can type on, or watch.
+// For whoever runs the tool for the first time: something to type on, or else to watch.
 std::string defaultCommand() {
     return isatty(STDIN_FILENO) && isatty(STDOUT_FILENO) ? "phone" : "demo";
 }

@@ -1,5 +1,4 @@
-// Ctrl-C: a wish to end, which the tool fulfils when it next looks, and which is fulfilled for it when it does not
-// look.
+// Ctrl-C: a wish to end. The tool looks for it and ends; when it does not look, the process is ended all the same.
 #pragma once
 
 namespace wideseek {

@@ -25,7 +25,7 @@ public:
     // What has turned up since this was called last: in the source list, and in the phone's files.
     void tellOf(const host::Phone& phone);
 
-    // The problem behind where it is, unless it has been told, whatever stood in front of it.
+    // Tells a problem, with the place in front of it. One that has been told is not told again, nor at another place.
     void tell(const std::string& problem, const std::string& where = {});
 
 private:

@@ -185,7 +185,7 @@ std::string ServerLdap::currentProblem() const {
         } catch (const std::exception& failure) {
             return m_address.url + ": " + failure.what();
         } catch (...) {
-            return m_address.url + ": an error that has no words";
+            return m_address.url + ": an error without a description";
         }
     } catch (...) {
         return "no memory";

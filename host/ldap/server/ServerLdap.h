@@ -7,10 +7,10 @@
 // One worker thread does everything that touches the network: it connects, binds, searches, and calls done. start and
 // abandon only leave a note for it and wake it. The connection is kept between queries; when a kept one turns out to be
 // dead, the query is asked once more on a fresh one. A newer query abandons the older one on the server, so at most one
-// runs there. After a failure the connection is closed and the next query begins anew. After a refused
-// password there is a pause first (SignInPause.h), for as long as this directory lives: changed settings are another
-// one. An exception of any kind, the want of memory too, fails the answer that it stands in the way of, and the worker
-// goes on. One that comes out of done is logged.
+// runs there. After a failure the connection is closed and the next query begins anew. After a refused password there
+// is a pause first (SignInPause.h). A directory that is made anew, with other settings, does not pause. An exception of
+// any kind, the want of memory too, fails the answer that it stands in the way of, and the worker goes on. One that
+// comes out of done is logged.
 //
 // A key of digits ("*" and "#" included) is looked for in the number attributes, any other key in the name attributes.
 // Every number of a person that is found gives a row, in dialable form. An answer that fails, or is incomplete because
