@@ -16,7 +16,10 @@ namespace wideseek {
 namespace {
 
 // Keys that act on rows wait for them no longer than this, and no news is waited for longer.
-constexpr auto longestWait = std::chrono::seconds(1);
+constexpr auto longestWait = std::chrono::milliseconds(1000);
+
+// A search that takes longer is told of; until then it would only flicker.
+constexpr auto unnoticedWait = std::chrono::milliseconds(200);
 
 std::string timeOfDay() {
     const std::time_t now = std::time(nullptr);
@@ -327,9 +330,11 @@ void PhoneApp::wait() {
         m_terminal->read(m_inputs);
         return m_changed || m_inputs.size() > unserved || interruptedBy() || m_watch.isLdapAsked() != ldapAsked;
     };
-    m_phone.kernel().serveMain(isAwaited, longestWait);
+    const bool wonders = m_screen && !m_model.isSettled() && !m_status.searching;
+    m_phone.kernel().serveMain(isAwaited, wonders ? unnoticedWait : longestWait);
     m_changed = false;
     m_status.ldapAsked = m_watch.isLdapAsked();
+    m_status.searching = m_screen && !m_model.isSettled() && Clock::now() >= m_asked + unnoticedWait;
 }
 
 } // namespace wideseek

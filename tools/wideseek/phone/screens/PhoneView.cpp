@@ -152,15 +152,17 @@ void putStatus(const PhoneModel& model, const PhoneStatus& status, const RowStyl
     const int line = LINES - linesBelow;
     const std::string position = " " + positionText(model);
     const std::string times = timesText(status);
-    const std::string ldap = status.ldapAsked && !model.isRecent() ? "LDAP \u2026 " : "";
+    const std::string asked = status.searching                        ? "Searching \u2026 "
+                              : status.ldapAsked && !model.isRecent() ? "LDAP \u2026 "
+                                                                      : "";
     const bool apart = !status.standing.empty() && !tellsStanding(model, status, style);
     const std::string sign = apart ? "Problem: F3 " : "";
-    const auto signsWidth = static_cast<int>(displayWidth(ldap) + displayWidth(sign));
+    const auto signsWidth = static_cast<int>(displayWidth(asked) + displayWidth(sign));
     put(line, 0, wide(position));
     if (static_cast<int>(displayWidth(position) + displayWidth(times)) + signsWidth < COLS) {
         put(line, static_cast<int>(displayWidth(position)), wide(times));
     }
-    putRight(line, ldap, A_DIM);
+    putRight(line, asked, A_DIM);
     put(line, COLS - signsWidth, wide(sign), A_BOLD | paint::colour(COLOR_RED));
 }
 
