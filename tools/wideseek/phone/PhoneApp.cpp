@@ -98,8 +98,13 @@ bool PhoneApp::mustWait(Key key) const {
 bool PhoneApp::isOvertaken() const {
     const auto next =
         std::find_if(m_inputs.begin(), m_inputs.end(), [](const Input& input) { return !movesCursor(input.key); });
-    return next != m_inputs.begin() && next != m_inputs.end() &&
-           (next->key == Key::escape || (next->key == Key::character && m_model.typed().hasRoomFor(next->text)));
+    if (next == m_inputs.begin() || next == m_inputs.end()) {
+        return false;
+    }
+    KeyLine typed = m_model.typed();
+    const auto edit = editOf(next->key);
+    return next->key == Key::escape || (next->key == Key::character && typed.insert(next->text)) ||
+           (edit && typed.apply(*edit));
 }
 
 void PhoneApp::handle(const Input& input) {
@@ -282,6 +287,10 @@ void PhoneApp::copy(const std::string& number) {
 }
 
 void PhoneApp::dial() {
+    if (!m_model.isSettled()) {
+        m_status.message = "Nothing is dialled before the rows are here; the search takes long.";
+        return;
+    }
     std::string name;
     std::string number = m_model.numberWithoutRows();
     if (const WideseekItemData* row = m_model.selected()) {
