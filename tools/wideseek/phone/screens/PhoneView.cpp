@@ -72,11 +72,11 @@ int putKey(const PhoneModel& model) {
     const int end = COLS - static_cast<int>(entry.size()) - 1;
     const int room = putNumberKey(model, end, column + keyWidth + 2) - column - 2;
     const std::wstring before = paint::tail(model.typed().beforeCaret(), room);
-    const std::wstring behind = wide(model.typed().behindCaret());
+    const int left = std::max(1, room - widthOf(before));
     const int caret = column + widthOf(before);
     put(0, 0, label);
     put(0, column, before, A_BOLD);
-    put(0, caret, paint::front(behind, room - widthOf(before)), A_BOLD);
+    put(0, caret, fitted(model.typed().behindCaret(), left), A_BOLD);
     putRight(0, std::string(entry) + " ", A_DIM);
     return caret;
 }
