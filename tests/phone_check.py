@@ -248,6 +248,17 @@ for how, code in (lambda: press_behind_a_paste("F10"), 0), (lambda: press_behind
     see("> Remote 13|> Kim", "the phone again")
 press("F10")
 see(r"^left:0", "the shell again")
+# A search that takes long is told of, here that of a source which never answers.
+list_sources("local_directory_search", "nobody_search")
+start("phone")
+see("> Remote 13|> Local|> Kim|> 5", "the phone again")
+press("5", "3", "0", "0", "0", "1")
+see("Searching …", "that it is still being searched")
+press(ENTER)
+see("Nothing is dialled before", "that the search takes long")
+press("F10")
+see(r"^left:0", "the shell again")
+list_labelled_sources()
 # Terminals that are known, and some that are known by what they are named after; each key has several forms.
 forms = (("OP", "OH", "OF"), ("[11~", "[1~", "[4~"), ("[[A", "[7~", "[8~"), ("OP", "[H", "[F"))
 for i, terminal in enumerate(("linux", "vt100", "alacritty", "foot", "xterm-kitty", "xterm-ghostty", "xterm-direct",

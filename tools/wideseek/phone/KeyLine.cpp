@@ -6,7 +6,7 @@
 namespace wideseek {
 
 bool KeyLine::insert(std::string_view text) {
-    if (!hasRoomFor(text)) {
+    if (m_text.size() + text.size() > longest) {
         return false;
     }
     m_text.insert(m_caret, text);

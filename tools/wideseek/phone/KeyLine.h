@@ -37,8 +37,6 @@ public:
     std::string_view beforeCaret() const { return std::string_view(m_text).substr(0, m_caret); }
     std::string_view behindCaret() const { return std::string_view(m_text).substr(m_caret); }
 
-    bool hasRoomFor(std::string_view text) const { return m_text.size() + text.size() <= longest; }
-
     // Puts text (whole UTF-8 characters) before the caret. False: there is no room for it.
     bool insert(std::string_view text);
 

@@ -16,7 +16,10 @@ namespace wideseek {
 namespace {
 
 // Keys that act on rows wait for them no longer than this, and no news is waited for longer.
-constexpr auto longestWait = std::chrono::seconds(1);
+constexpr auto longestWait = std::chrono::milliseconds(1000);
+
+// A search that takes longer is told of; until then it would only flicker.
+constexpr auto unnoticedWait = std::chrono::milliseconds(200);
 
 std::string timeOfDay() {
     const std::time_t now = std::time(nullptr);
@@ -95,8 +98,13 @@ bool PhoneApp::mustWait(Key key) const {
 bool PhoneApp::isOvertaken() const {
     const auto next =
         std::find_if(m_inputs.begin(), m_inputs.end(), [](const Input& input) { return !movesCursor(input.key); });
-    return next != m_inputs.begin() && next != m_inputs.end() &&
-           (next->key == Key::escape || (next->key == Key::character && m_model.typed().hasRoomFor(next->text)));
+    if (next == m_inputs.begin() || next == m_inputs.end()) {
+        return false;
+    }
+    KeyLine typed = m_model.typed();
+    const auto edit = editOf(next->key);
+    return next->key == Key::escape || (next->key == Key::character && typed.insert(next->text)) ||
+           (edit && typed.apply(*edit));
 }
 
 void PhoneApp::handle(const Input& input) {
@@ -279,6 +287,10 @@ void PhoneApp::copy(const std::string& number) {
 }
 
 void PhoneApp::dial() {
+    if (!m_model.isSettled()) {
+        m_status.message = "Nothing is dialled before the rows are here; the search takes long.";
+        return;
+    }
     std::string name;
     std::string number = m_model.numberWithoutRows();
     if (const WideseekItemData* row = m_model.selected()) {
@@ -327,9 +339,11 @@ void PhoneApp::wait() {
         m_terminal->read(m_inputs);
         return m_changed || m_inputs.size() > unserved || interruptedBy() || m_watch.isLdapAsked() != ldapAsked;
     };
-    m_phone.kernel().serveMain(isAwaited, longestWait);
+    const bool wonders = m_screen && !m_model.isSettled() && !m_status.searching;
+    m_phone.kernel().serveMain(isAwaited, wonders ? unnoticedWait : longestWait);
     m_changed = false;
     m_status.ldapAsked = m_watch.isLdapAsked();
+    m_status.searching = m_screen && !m_model.isSettled() && Clock::now() >= m_asked + unnoticedWait;
 }
 
 } // namespace wideseek

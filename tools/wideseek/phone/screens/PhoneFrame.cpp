@@ -10,22 +10,35 @@ namespace {
 constexpr int leastWidth = 40;
 constexpr int leastHeight = 12;
 
+int widthOf(const Label& label) {
+    return static_cast<int>(displayWidth(label.key) + 1 + displayWidth(label.meaning));
+}
+
+// Of all labels, or of those that are always shown, with as much between them.
+int widthOf(const std::vector<Label>& labels, bool all, int gap) {
+    int width = -gap;
+    for (const Label& label : labels) {
+        width += all || label.always ? widthOf(label) + gap : 0;
+    }
+    return width;
+}
+
 } // namespace
 
 void paintLabels(const std::vector<Label>& labels) {
-    int width = -2;
-    for (const Label& label : labels) {
-        width += 3 + static_cast<int>(displayWidth(label.key) + displayWidth(label.meaning));
-    }
+    constexpr int wideGap = 2;
+    const int gap = widthOf(labels, true, wideGap) <= COLS ? wideGap : 1;
+    int left = COLS - widthOf(labels, false, gap);
     int column = 0;
     for (const Label& label : labels) {
-        if (label.always || width <= COLS) {
-            const std::wstring key = paint::wide(label.key);
-            const std::wstring meaning = paint::wide(label.meaning);
-            paint::put(LINES - 1, column, key, A_BOLD);
-            paint::put(LINES - 1, column + paint::widthOf(key) + 1, meaning);
-            column += paint::widthOf(key) + paint::widthOf(meaning) + (width <= COLS ? 3 : 2);
+        const int width = widthOf(label) + gap;
+        if (!label.always && width > left) {
+            continue;
         }
+        left -= label.always ? 0 : width;
+        paint::put(LINES - 1, column, paint::wide(label.key), A_BOLD);
+        paint::put(LINES - 1, column + static_cast<int>(displayWidth(label.key)) + 1, paint::wide(label.meaning));
+        column += width;
     }
 }
 

@@ -115,9 +115,9 @@ void addSources(TextScreen& text, const std::vector<SourceTrace>& latest, const 
     for (const EnabledSource& source : sources) {
         const SourceTrace* trace = traceOf(latest, source.name, source.nth);
         const bool before = trace && trace->key != key;
-        text.lines.push_back(field(source.label, width,
-                                   (trace ? resultOf(*trace) : "not asked") +
-                                       (before ? ", for \"" + trace->key + "\" before it" : "")));
+        text.lines.push_back(
+            field(source.label, width,
+                  (trace ? resultOf(*trace) : "not asked") + (before ? ", for \"" + trace->key + "\" before it" : "")));
         text.lines.back().look = trace && trace->failed ? Look::problem : Look::plain;
     }
 }
@@ -126,8 +126,9 @@ void addSources(TextScreen& text, const std::vector<SourceTrace>& latest, const 
 
 TextScreen helpScreen() {
     constexpr std::pair<const char*, const char*> keys[] = {
-        {"Type", "searches at each key: digits in numbers, and in names as a keypad types them; letters in names, their "
-                 "words in any order"},
+        {"Type",
+         "searches at each key: digits in numbers, and in names as a keypad types them; letters in names, their "
+         "words in any order"},
         {"Backspace", "erases; Ctrl-W a word, Ctrl-U all before the caret, Ctrl-K all behind it"},
         {"Left Right", "move the caret, with Ctrl by words; Home and End to the ends of what is typed"},
         {"Escape", "clears: the recent calls"},

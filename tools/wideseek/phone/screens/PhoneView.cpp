@@ -72,11 +72,11 @@ int putKey(const PhoneModel& model) {
     const int end = COLS - static_cast<int>(entry.size()) - 1;
     const int room = putNumberKey(model, end, column + keyWidth + 2) - column - 2;
     const std::wstring before = paint::tail(model.typed().beforeCaret(), room);
-    const std::wstring behind = wide(model.typed().behindCaret());
+    const int left = std::max(1, room - widthOf(before));
     const int caret = column + widthOf(before);
     put(0, 0, label);
     put(0, column, before, A_BOLD);
-    put(0, caret, paint::front(behind, room - widthOf(before)), A_BOLD);
+    put(0, caret, fitted(model.typed().behindCaret(), left), A_BOLD);
     putRight(0, std::string(entry) + " ", A_DIM);
     return caret;
 }
@@ -152,15 +152,17 @@ void putStatus(const PhoneModel& model, const PhoneStatus& status, const RowStyl
     const int line = LINES - linesBelow;
     const std::string position = " " + positionText(model);
     const std::string times = timesText(status);
-    const std::string ldap = status.ldapAsked && !model.isRecent() ? "LDAP \u2026 " : "";
+    const std::string asked = status.searching                        ? "Searching \u2026 "
+                              : status.ldapAsked && !model.isRecent() ? "LDAP \u2026 "
+                                                                      : "";
     const bool apart = !status.standing.empty() && !tellsStanding(model, status, style);
     const std::string sign = apart ? "Problem: F3 " : "";
-    const auto signsWidth = static_cast<int>(displayWidth(ldap) + displayWidth(sign));
+    const auto signsWidth = static_cast<int>(displayWidth(asked) + displayWidth(sign));
     put(line, 0, wide(position));
     if (static_cast<int>(displayWidth(position) + displayWidth(times)) + signsWidth < COLS) {
         put(line, static_cast<int>(displayWidth(position)), wide(times));
     }
-    putRight(line, ldap, A_DIM);
+    putRight(line, asked, A_DIM);
     put(line, COLS - signsWidth, wide(sign), A_BOLD | paint::colour(COLOR_RED));
 }
 

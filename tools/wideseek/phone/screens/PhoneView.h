@@ -14,6 +14,7 @@ namespace wideseek {
 
 struct PhoneStatus {
     bool ldapAsked = false;
+    bool searching = false;         // for the rows of the key, so long that people wonder
     std::optional<double> pageTime; // milliseconds from asking to the page that was waited for
     std::optional<double> lateTime; // and to the last late page
     std::string message;            // behind problemPrefix, it tells of a problem

@@ -98,8 +98,9 @@ void paintText(TextScreen& text) {
             text.onScreen.push_back(line.choice);
         }
         if (size > text.room) {
-            paint::putRight(1, " " + std::to_string(text.top + 1) + "-" + std::to_string(end) + " of " +
-                                   std::to_string(size) + " ", A_NORMAL);
+            paint::putRight(
+                1, " " + std::to_string(text.top + 1) + "-" + std::to_string(end) + " of " + std::to_string(size) + " ",
+                A_NORMAL);
         }
         paintKeys(text, size > text.room);
     }

@@ -31,7 +31,7 @@ struct TextScreen {
 
     // ---- as it was painted last ----
 
-    int room = 1;                                      // how many lines there are for text
+    int room = 1;                                       // how many lines there are for text
     std::vector<std::optional<std::size_t>> onScreen{}; // which choice stands on a line of the screen
 };
 

@@ -28,16 +28,16 @@ enum class Key {
     down,
     pageUp,
     pageDown,
-    first,   // Ctrl-Home
-    last,    // Ctrl-End
-    help,    // F1
-    entry,   // F2 or Tab
-    details, // F3
-    copy,    // F4
+    first,     // Ctrl-Home
+    last,      // Ctrl-End
+    help,      // F1
+    entry,     // F2 or Tab
+    details,   // F3
+    copy,      // F4
     dialTyped, // F5
-    leave,   // F10 or Ctrl-C, or the terminal has gone away
-    suspend, // Ctrl-Z
-    redraw,  // Ctrl-L
+    leave,     // F10 or Ctrl-C, or the terminal has gone away
+    suspend,   // Ctrl-Z
+    redraw,    // Ctrl-L
     resize,
     click,       // Input::line tells where
     doubleClick, // the second of two clicks on one line
