@@ -144,6 +144,10 @@ TEST(Formats, ExportsAreReadWhateverTheirFormSeparatorEncodingAndLanguage) {
           "ez | work:1 mobile:2 email=c@example.com organisation=SA",
           "#1 Taxi | work:3", "Odd No | work:x"},
          {"f:5: has 7 fields", "f:6: \"x\" is not a number", "f:7: has neither"}},
+        {"Name,Phone,Note\nZo\xC3\xAB \xC3\xBC,(617) 555-0116 ext. 23,caf\xE9\nBo,12x3,\nCy,5 Durchwahl 6,\nDi,x3,\n",
+         {"Zo\xC3\xAB \xC3\xBC | :6175550116 note=(617) 555-0116 ext. 23 note=caf\xE9", "Bo | :12 note=12x3",
+          "Cy | :5 note=5 Durchwahl 6", "Di | :x3"},
+         {"f:2: is not UTF-8 text", "f:5: \"x3\" is not a number"}},
         {"name,work,mobile2,extra,city\nAnn,1,2,desk,Leeds\n", {"Ann | work:1 mobile:2 extra=desk city=Leeds"}},
         {"Who;Customer number\nAnn;5\n", {}, {"f:1: names no column that is known"}},
         {"", {}, {"f: is empty"}},
@@ -176,7 +180,7 @@ TEST(Formats, ColumnsCanBeToldAndThoseLeftOutAreNamed) {
             contacts += std::to_string(line) + shown(contact);
         });
     EXPECT_EQ(contacts, "2\xD0\x82 | mobile:7");
-    EXPECT_EQ(read.form + ", " + read.charset, "CSV separated by ;, windows-1251");
+    EXPECT_EQ(read.form + ", " + read.charset, "CSV separated by semicolons, windows-1251");
     EXPECT_EQ(read.unusedColumns, Strings{"Farbe"});
     EXPECT_FALSE(host::meaningOfField("colour"));
 }
