@@ -480,7 +480,8 @@ TEST(LdapSettings, MistakesAreNamedAndNoServerIsUsed) {
         EXPECT_FALSE(read(line + "\n")) << line;
         const std::string key = line.starts_with("password") ? "bind_dn" : line.substr(0, line.find(' '));
         ASSERT_EQ(problems.size(), 1U) << line;
-        EXPECT_THAT(problems.front(), HasSubstr("ldap_settings.ini: [ldap] " + key + ": "));
+        EXPECT_THAT(problems.front(), HasSubstr(": [ldap] " + key + ": ")) << line;
+        EXPECT_THAT(problems.front(), HasSubstr("ldap_settings.ini:"));
     }
 }
 

@@ -53,6 +53,33 @@ std::string advice(const std::string& meant, const std::vector<std::string>& nam
     return "; known are " + all;
 }
 
+struct IniLine {
+    enum class Kind { other, section, setting };
+
+    Kind kind = Kind::other;
+    std::string_view name; // of the section or the setting
+};
+
+IniLine iniLineOf(std::string_view line) {
+    const bool goesOn = line.starts_with(' ') || line.starts_with('\t');
+    const std::string_view text = text::trimBlanks(line);
+    if (text.empty() || goesOn || text.front() == ';' || text.front() == '#') {
+        return {};
+    }
+    if (text.front() == '[') {
+        return {IniLine::Kind::section, text::trimBlanks(text.substr(1, text.find(']') - 1))};
+    }
+    return {IniLine::Kind::setting, text::trimBlanks(text.substr(0, text.find_first_of("=:")))};
+}
+
+template <typename Take> void forEachLine(std::string_view bytes, const Take& take) {
+    for (std::string_view rest = bytes; !rest.empty();) {
+        const std::string_view line = rest.substr(0, rest.find('\n'));
+        take(iniLineOf(line));
+        rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+    }
+}
+
 class Checker {
 public:
     Checker(const std::string& file, const KnownSettings& known) : m_file(file), m_known(known) {
@@ -61,17 +88,12 @@ public:
         }
     }
 
-    void line(std::string_view line) {
+    void line(const IniLine& line) {
         ++m_line;
-        const bool goesOn = line.starts_with(' ') || line.starts_with('\t');
-        const std::string_view text = text::trimBlanks(line);
-        if (text.empty() || goesOn || text.front() == ';' || text.front() == '#') {
-            return;
-        }
-        if (text.front() == '[') {
-            enter(text::trimBlanks(text.substr(1, text.find(']') - 1)));
-        } else if (m_keys != nullptr) {
-            set(text::trimBlanks(text.substr(0, text.find_first_of("=:"))));
+        if (line.kind == IniLine::Kind::section) {
+            enter(line.name);
+        } else if (line.kind == IniLine::Kind::setting && m_keys != nullptr) {
+            set(line.name);
         }
     }
 
@@ -119,12 +141,27 @@ private:
 
 SettingsCheck checkSettings(std::string_view bytes, const std::string& file, const KnownSettings& known) {
     Checker checker(file, known);
-    for (std::string_view rest = bytes; !rest.empty();) {
-        const std::string_view line = rest.substr(0, rest.find('\n'));
-        checker.line(line);
-        rest.remove_prefix(std::min(line.size() + 1, rest.size()));
-    }
+    forEachLine(bytes, [&](const IniLine& line) { checker.line(line); });
     return std::move(checker.result);
+}
+
+std::size_t lineOfSetting(std::string_view bytes, std::string_view section, std::string_view key) {
+    std::size_t line = 0;
+    std::size_t found = 0;
+    bool within = false;
+    bool isSet = false;
+    forEachLine(bytes, [&](const IniLine& each) {
+        ++line;
+        if (each.kind == IniLine::Kind::section) {
+            within = each.name == section;
+        }
+        const bool sets = within && each.kind == IniLine::Kind::setting && each.name == key;
+        if (!isSet && (sets || (within && found == 0))) {
+            found = line;
+            isSet = sets;
+        }
+    });
+    return found;
 }
 
 } // namespace host

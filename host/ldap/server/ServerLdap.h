@@ -94,9 +94,9 @@ inline constexpr const char* serverLdapKeys[] = {"url",
                                                  "network_timeout_ms"};
 
 // Reads the section [ldap] of a configuration file (ConfigFile.h). Nothing when there are mistakes, each of which is
-// appended to problems as "file: [ldap] key: value: what is allowed": no server is asked with half of its settings, as
-// a misread one may send a password unprotected. A line that cannot be read counts as well: it may have been one of
-// them. Any thread.
+// appended to problems as "file:line: [ldap] key: value; what is allowed": no server is asked with half of its
+// settings, as a misread one may send a password unprotected. A line that cannot be read counts as well: it may have
+// been one of them. Any thread.
 std::optional<ServerLdapOptions> readServerLdapOptions(const std::filesystem::path& file,
                                                        std::vector<std::string>& problems);
 
