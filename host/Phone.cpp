@@ -9,11 +9,15 @@
 #include "host/files/SettingsCheck.h"
 #include "host/ldap/EmbeddedLdap.h"
 #include "host/ldap/server/ServerLdap.h"
+#include "host/remote/RemoteDirectory.h"
+#include "host/remote/RemoteWorker.h"
+#include "host/remote/http/CurlTransport.h"
 #include "host/sources/ContactLookup.h"
 #include "host/sources/SourceNames.h"
 #include "host/text/NumberForm.h"
 
 #include <iterator>
+#include <random>
 #include <set>
 #include <stdexcept>
 #include <utility>
@@ -44,7 +48,7 @@ std::shared_ptr<LdapDirectory> serverLdap(const std::shared_ptr<PhoneCore>& core
     for (const std::string& mistake : mistakes) {
         core->addProblem(mistake);
     }
-    if (!options) {
+    if (!options || !core->options.network) {
         return nullptr;
     }
     try {
@@ -64,6 +68,7 @@ std::set<std::string> reportUnknownSettings(PhoneCore& core) {
     KnownSettings known = {{"features", {"FeaturesRecentCallEnable"}},
                            {"dialling", {"country_code", "trunk_prefix", "international_prefix"}},
                            {"ldap", {"mode", "delay_ms"}}};
+    known["remote_directory"] = {std::begin(remoteDirectoryKeys), std::end(remoteDirectoryKeys)};
     known["ldap"].insert(known["ldap"].end(), std::begin(serverLdapKeys), std::end(serverLdapKeys));
     std::string error;
     const auto text = readFile(core.configFile.path(), error);
@@ -93,11 +98,6 @@ struct ConfiguredLdap {
 // The directory that the section [ldap] of the configuration describes.
 ConfiguredLdap configuredLdap(const std::shared_ptr<PhoneCore>& core) {
     ConfigFile& config = core->configFile;
-    if (reportUnknownSettings(*core).contains("ldap")) {
-        core->addProblem(config.path().string() +
-                         ": LDAP is not asked, since a misspelt setting may be what protects the password; mend it");
-        return {};
-    }
     const std::string mode = config.value("ldap", "mode").value_or("embedded");
     if (mode == "server") {
         return {serverLdap(core)};
@@ -111,6 +111,51 @@ ConfiguredLdap configuredLdap(const std::shared_ptr<PhoneCore>& core) {
     const auto contacts =
         std::make_shared<FileDirectory>(core->realPath("/config/contacts/ldap_directory.csv"), problemSink(core));
     return {std::make_shared<EmbeddedLdap>(core->kernel, contacts, core->options.ldapDelay.value_or(delay)), contacts};
+}
+
+// A server on the web as the remote directory.
+struct ConfiguredRemote {
+    bool isWanted = false;                        // the section [remote_directory] is about one
+    std::shared_ptr<RemoteDirectory> directory{}; // null: none that can be used
+};
+
+ConfiguredRemote configuredRemote(const std::shared_ptr<PhoneCore>& core) {
+    std::vector<std::string> mistakes;
+    const auto options = readRemoteOptions(core->configFile.path(), mistakes);
+    for (const std::string& mistake : mistakes) {
+        core->addProblem(mistake);
+    }
+    if (!options) {
+        return {!mistakes.empty()};
+    }
+    const auto report = [weak = core->weak_from_this()](const std::string& line) {
+        if (const auto alive = weak.lock()) {
+            alive->report(6, "remote directory: " + line);
+        }
+    };
+    if (!options->password.empty() && !options->url.starts_with("https:")) {
+        report("the password is sent unprotected; use https:// in [remote_directory] url");
+    }
+    const auto announce = [weak = std::weak_ptr(core)] {
+        if (const auto alive = weak.lock()) {
+            alive->deliver(MSG_CONFIG_CHANGED, CFG_CHANGE_WIDESEEK); // the next key asks all sources
+        }
+    };
+    const auto spread = [random = std::minstd_rand(std::random_device()())]() mutable {
+        return std::uniform_real_distribution<double>()(random);
+    };
+    return {true, std::make_shared<RemoteDirectory>(
+                      *options, core->realPath("/config/cache/remote_directory.cbor"),
+                      makeCurlTransport({options->user, options->password, options->caFile.string(),
+                                         options->networkTimeout, options->timeLimit}),
+                      RemoteDirectory::Surroundings{
+                          .problem = problemSink(core), .log = report, .firstContacts = announce, .spread = spread})};
+}
+
+// Says that a server is not asked, since a setting of its section is misspelt.
+void reportDoubt(PhoneCore& core, const std::string& who) {
+    core.addProblem(core.configFile.path().string() + ": " + who +
+                    " is not asked, since a misspelt setting may be what protects the password; mend it");
 }
 
 } // namespace
@@ -131,7 +176,6 @@ void Phone::openContactFiles() {
         m_lookups[name] = directory;
     };
     open(Source::localDirectory, sourceName::localDirectory, "/config/contacts/local_directory.csv");
-    open(Source::remoteDirectory, sourceName::remoteDirectory, "/config/contacts/remote_directory.csv");
     open(Source::broadSoftDirectory, sourceName::broadSoftDirectory, "/config/contacts/broadsoft_directory.csv");
     m_callLog = std::make_shared<CallLogFile>(m_core->realPath("/config/contacts/call_log.csv"), sink);
     setSource(Source::callLog, m_callLog);
@@ -140,12 +184,34 @@ void Phone::openContactFiles() {
     m_presence = std::make_shared<PresenceFile>(m_core->realPath("/config/contacts/presence_buddies.json"), sink);
     setPresence(m_presence.get());
     m_lookups[sourceName::presence] = m_presence;
-    ConfiguredLdap ldap = configuredLdap(m_core);
-    setLdap(std::move(ldap.directory));
-    m_lookups[sourceName::ldap] = std::move(ldap.contacts);
+    const std::set<std::string> doubtful = reportUnknownSettings(*m_core);
+    if (doubtful.contains("remote_directory")) {
+        reportDoubt(*m_core, "the remote directory");
+    } else if (ConfiguredRemote remote = configuredRemote(m_core); remote.isWanted) {
+        openRemoteDirectory(std::move(remote.directory));
+    } else {
+        open(Source::remoteDirectory, sourceName::remoteDirectory, "/config/contacts/remote_directory.csv");
+    }
+    if (doubtful.contains("ldap")) {
+        reportDoubt(*m_core, "LDAP");
+    } else {
+        ConfiguredLdap ldap = configuredLdap(m_core);
+        setLdap(std::move(ldap.directory));
+        m_lookups[sourceName::ldap] = std::move(ldap.contacts);
+    }
+}
+
+void Phone::openRemoteDirectory(std::shared_ptr<RemoteDirectory> directory) {
+    m_remote = std::move(directory);
+    setSource(Source::remoteDirectory, m_remote);
+    m_lookups[sourceName::remoteDirectory] = m_remote;
+    if (m_remote && m_core->options.network && kernel().driver() == Driver::live) {
+        m_remoteWorker = std::make_unique<RemoteWorker>(m_remote);
+    }
 }
 
 Phone::~Phone() {
+    m_remoteWorker.reset();
     m_watch.reset();
     m_core->kernel.stop();
     setLdap(nullptr);
@@ -207,6 +273,10 @@ bool Phone::isIdle() const {
     const LdapModule& ldap = m_core->ldap;
     const auto queries = ldap.queryCount();
     return !ldap.isBusy() && m_core->kernel.pending() == 0 && ldap.queryCount() == queries;
+}
+
+std::optional<RemoteState> Phone::remoteDirectory() const {
+    return m_remoteWorker ? std::optional(m_remote->state()) : std::nullopt;
 }
 
 std::vector<std::string> Phone::problems(std::size_t from) const {

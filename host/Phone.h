@@ -14,6 +14,7 @@
 #include "host/kernel/Interruption.h"
 #include "host/kernel/Trace.h"
 #include "host/kernel/TrackedBlocks.h"
+#include "host/remote/RemoteState.h"
 #include "host/sources/ContactSource.h"
 #include "host/sources/LdapDirectory.h"
 #include "host/sources/RecentCalls.h"
@@ -22,6 +23,7 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,6 +35,8 @@ class ContactLookup;
 class FileWatch;
 class PhoneCore;
 class PresenceFile;
+class RemoteDirectory;
+class RemoteWorker;
 
 class Phone {
 public:
@@ -79,6 +83,10 @@ public:
     // A repeating timer that is set counts as queued. Any thread.
     bool isIdle() const;
 
+    // How the remote directory does, when it is a server that is asked beside the searches: isIdle knows nothing of it.
+    // Nothing for one that is a file. Any thread.
+    std::optional<RemoteState> remoteDirectory() const;
+
     // What went wrong with the phone's files so far ("file:line: reason"), each problem once, from the one with this
     // index on: who asks again gives how many it has been given. Any thread.
     std::vector<std::string> problems(std::size_t from = 0) const;
@@ -104,11 +112,14 @@ public:
 
 private:
     void openContactFiles();
+    void openRemoteDirectory(std::shared_ptr<RemoteDirectory> directory);
 
     const std::shared_ptr<PhoneCore> m_core;
-    std::shared_ptr<CallLogFile> m_callLog;   // null without contact files
-    std::shared_ptr<PresenceFile> m_presence; // null without contact files
-    std::unique_ptr<FileWatch> m_watch;       // null while nothing is watched
+    std::shared_ptr<CallLogFile> m_callLog;       // null without contact files
+    std::shared_ptr<PresenceFile> m_presence;     // null without contact files
+    std::unique_ptr<FileWatch> m_watch;           // null while nothing is watched
+    std::shared_ptr<RemoteDirectory> m_remote;    // null where it is no server
+    std::unique_ptr<RemoteWorker> m_remoteWorker; // null where no server is asked
 
     std::map<std::string_view, std::shared_ptr<const ContactLookup>> m_lookups; // by source; as the phone was made
 };

@@ -38,9 +38,12 @@ kernel
 sources
 files         text
 contacts      text files sources
+remote/http   text
+remote/refresh files remote/http
+remote        text sources files contacts remote/http remote/refresh
 ldap/server   text files sources
 ldap          kernel sources
-.             text kernel sources files contacts ldap/server ldap
+.             text kernel sources files contacts remote/http remote/refresh remote ldap/server ldap
 platform      text kernel sources .
 '
 known=' '

@@ -25,8 +25,7 @@ std::string resultOf(const SourceTrace& source) {
     if (source.failed) {
         return "failed after " + time + (source.problem.empty() ? "" : ": " + source.problem);
     }
-    return std::to_string(source.contacts) + " found, " + time +
-           (source.problem.empty() ? "" : ", cut short: " + source.problem);
+    return std::to_string(source.contacts) + " found, " + time + (source.problem.empty() ? "" : ": " + source.problem);
 }
 
 void addField(TextScreen& text, const std::string& label, const std::string& value) {
