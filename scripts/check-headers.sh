@@ -37,10 +37,11 @@ text
 kernel
 sources
 files         text
-contacts      text files sources
+formats       text files sources
+contacts      text files sources formats
 remote/http   text
 remote/refresh files remote/http
-remote        text sources files contacts remote/http remote/refresh
+remote        text sources files formats contacts remote/http remote/refresh
 ldap/server   text files sources
 ldap          kernel sources
 .             text kernel sources files contacts remote/http remote/refresh remote ldap/server ldap

@@ -284,8 +284,8 @@ std::string known(const host::ContactLookup& lookup, const std::string& name, co
     const auto contact = lookup.find(rows[1]);
     EXPECT_EQ(lookup.holds(rows), (std::vector<bool>{false, contact.has_value()})) << name << number;
     std::string text = contact ? "" : "not held";
-    for (const std::string& each : contact ? contact->numbers : Strings()) {
-        text += each + " ";
+    for (const auto& each : contact ? contact->numbers : std::vector<host::ContactNumber>()) {
+        text += std::string(nameOf(each.kind)) + each.number + " ";
     }
     for (const auto& fact : contact ? contact->facts : std::vector<host::KnownContact::Fact>()) {
         text += fact.label + "=" + fact.value + " ";

@@ -40,8 +40,7 @@ std::vector<bool> FileDirectory::holds(std::span<const NameAndNumber> rows) cons
 
 std::optional<KnownContact> FileDirectory::find(const NameAndNumber& row) const {
     const auto contacts = m_file.lastRead();
-    const auto position = contacts ? contacts->find({&row, 1}).front() : std::nullopt;
-    return position ? std::optional(knownContactOf(contacts->at(*position))) : std::nullopt;
+    return contacts ? contacts->known(row) : std::nullopt;
 }
 
 } // namespace host

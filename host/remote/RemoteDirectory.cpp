@@ -66,8 +66,7 @@ std::vector<bool> RemoteDirectory::holds(std::span<const NameAndNumber> rows) co
 
 std::optional<KnownContact> RemoteDirectory::find(const NameAndNumber& row) const {
     const auto contacts = table();
-    const auto position = contacts ? contacts->find({&row, 1}).front() : std::nullopt;
-    return position ? std::optional(knownContactOf(contacts->at(*position))) : std::nullopt;
+    return contacts ? contacts->known(row) : std::nullopt;
 }
 
 RemoteState RemoteDirectory::state() const {

@@ -1,16 +1,11 @@
 #include "host/remote/refresh/RemoteCopy.h"
 
-#include "host/files/Descriptor.h"
 #include "host/files/FileText.h"
+#include "host/files/ReplacedFile.h"
 
 #include <nlohmann/json.hpp>
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstdlib>
+#include <cstdint>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -55,36 +50,15 @@ RemoteCopy fromJson(Json& json) {
     return copy;
 }
 
-bool writeWhole(int descriptor, const std::vector<std::uint8_t>& bytes) {
-    std::size_t written = 0;
-    while (written < bytes.size()) {
-        const ssize_t count = ::write(descriptor, bytes.data() + written, bytes.size() - written);
-        if (count < 0 && errno != EINTR) {
-            return false;
-        }
-        written += static_cast<std::size_t>(std::max<ssize_t>(count, 0));
-    }
-    return ::fsync(descriptor) == 0;
-}
-
 } // namespace
 
 bool saveRemoteCopy(const std::filesystem::path& file, const std::string& source, const RemoteCopy& copy,
                     std::string& problem) {
     std::error_code ignored;
     std::filesystem::create_directories(file.parent_path(), ignored);
-    std::string beside = file.string() + ".XXXXXX";
-    const Descriptor descriptor(::mkostemp(beside.data(), O_CLOEXEC)); // for the owner alone
-    if (descriptor.number() >= 0 && writeWhole(descriptor.number(), Json::to_cbor(toJson(source, copy))) &&
-        ::rename(beside.c_str(), file.c_str()) == 0) {
-        return true;
-    }
-    problem = file.string() + ": cannot be written (" + std::generic_category().message(errno) +
-              "); make room, and check that the folder may be written to";
-    if (descriptor.number() >= 0) {
-        ::unlink(beside.c_str());
-    }
-    return false;
+    const std::vector<std::uint8_t> bytes = Json::to_cbor(toJson(source, copy));
+    constexpr unsigned ownerAlone = 0600;
+    return replaceFile(file, {reinterpret_cast<const char*>(bytes.data()), bytes.size()}, ownerAlone, problem);
 }
 
 std::optional<RemoteCopy> loadRemoteCopy(const std::filesystem::path& file, const std::string& source) {

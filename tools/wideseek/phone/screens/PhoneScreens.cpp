@@ -29,13 +29,19 @@ std::string resultOf(const SourceTrace& source) {
 }
 
 void addField(TextScreen& text, const std::string& label, const std::string& value) {
-    text.lines.push_back("  " + padded(label, 10) + "  " + value);
+    text.lines.push_back("  " + padded(label, 12) + "  " + value);
 }
 
-std::string joined(const std::vector<std::string>& texts) {
+// "+442079460041 (work)"
+std::string shown(const host::ContactNumber& number) {
+    const std::string kind(nameOf(number.kind));
+    return number.number + (kind.empty() ? "" : " (" + kind + ")");
+}
+
+std::string joined(const std::vector<host::ContactNumber>& numbers) {
     std::string result;
-    for (const std::string& text : texts) {
-        result += (result.empty() ? "" : ", ") + text;
+    for (const host::ContactNumber& number : numbers) {
+        result += (result.empty() ? "" : ", ") + shown(number);
     }
     return result;
 }
@@ -47,10 +53,10 @@ void addContact(TextScreen& text, const ContactDetails& contact) {
     text.firstChoice = text.lines.size();
     text.choices = contact.numbers.size();
     text.chosen = contact.chosen;
-    for (const std::string& number : contact.numbers) {
-        text.lines.push_back((&number == &contact.numbers.front() ? "Number  " : "        ") + number);
+    for (const host::ContactNumber& number : contact.numbers) {
+        text.lines.push_back((&number == &contact.numbers.front() ? "Number  " : "        ") + shown(number));
     }
-    text.action = "Enter dials " + contact.numbers[contact.chosen];
+    text.action = "Enter dials " + contact.numbers[contact.chosen].number;
     for (const ContactDetails::Source& source : contact.sources) {
         text.lines.emplace_back();
         if (!source.label.empty()) {

@@ -44,7 +44,7 @@ public:
 
     // The contact's name and the number that is chosen; empty without a contact.
     std::string name() const { return m_contact ? m_contact->name : std::string(); }
-    std::string number() const { return m_contact ? m_contact->numbers[m_contact->chosen] : std::string(); }
+    std::string number() const { return m_contact ? m_contact->numbers[m_contact->chosen].number : std::string(); }
 
 private:
     SideScreen() = default;
