@@ -62,10 +62,13 @@ public:
     // thread.
     void addOutgoingCall(const GeneralDirItemData& call);
 
-    // Finds contacts again in the file behind a source, by the name of the source (sources/SourceNames.h). Null when
-    // there is no such file: without contact files, for an LDAP server, for a name that is not known. It lives as long
-    // as the phone. Any thread.
+    // Finds contacts again in the file behind a source, by the name of the source (sources/SourceNames.h); of an LDAP
+    // server, the people of its latest answers. Null when there is no such source: without contact files, for a name
+    // that is not known. It lives as long as the phone. Any thread.
     const ContactLookup* lookup(std::string_view sourceName) const;
+
+    // True when LDAP is a server, of which no more than the latest answers is kept here. Any thread.
+    bool asksLdapServer() const { return m_asksLdapServer; }
 
     // A value of the phone's configuration in place of the configuration file's. Any thread.
     void setConfig(std::string_view key, int value);
@@ -122,6 +125,7 @@ private:
     std::unique_ptr<RemoteWorker> m_remoteWorker; // null where no server is asked
 
     std::map<std::string_view, std::shared_ptr<const ContactLookup>> m_lookups; // by source; as the phone was made
+    bool m_asksLdapServer = false;
 };
 
 } // namespace host

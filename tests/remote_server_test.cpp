@@ -53,7 +53,7 @@ TEST(RemoteServer, AnAddressBookIsFoundFetchedAndKeptInStepWithTheServer) {
     const RadicaleServer server;
     const host::TemporaryFolder folder;
     const auto copy = folder.path() / "copy";
-    for (int i = 0; i < 120; ++i) {
+    for (int i = 0; i < 60; ++i) {
         server.put(std::to_string(i) + ".vcf", "Person " + std::to_string(i), "555-0100");
     }
     RemoteOptions options;
@@ -66,9 +66,9 @@ TEST(RemoteServer, AnAddressBookIsFoundFetchedAndKeptInStepWithTheServer) {
     options.password = "secret";
     const auto directory = open(options, copy);
     EXPECT_EQ(refresh(*directory), "");
-    EXPECT_EQ(directory->state().contacts, 120U);
+    EXPECT_EQ(directory->state().contacts, 60U);
 
-    for (int i = 2; i < 120; ++i) {
+    for (int i = 2; i < 60; ++i) {
         server.remove(std::to_string(i) + ".vcf");
     }
     server.put("1.vcf", "Jed", "+44 20 7946 0023");

@@ -7,23 +7,14 @@
 
 namespace host {
 
-namespace {
-
-ReadContacts readPart(std::string_view bytes, const std::string& place, ContactTable& table) {
-    if (isVCard(bytes)) {
-        return readVCards(bytes, place, [&](const Contact& each) { table.add(each); });
-    }
-    ContactFile read = readContacts(bytes, place, [&](const DirectorySearchData& each) { table.add(each); });
-    return {std::move(read.problems), std::move(read.error)};
-}
-
-} // namespace
-
 RemoteContacts readRemoteContacts(const RemoteCopy& copy, const std::string& url) {
     RemoteContacts contacts;
     const auto table = std::make_shared<ContactTable>();
+    const TakeContact take = [&](const Contact& each) { table->add(each); };
     for (const auto& [path, part] : copy.parts) {
-        const auto [problems, error] = readPart(part.text, path.empty() ? url : path, *table);
+        const std::string& place = path.empty() ? url : path;
+        const auto [problems, error] =
+            isVCard(part.text) ? readVCards(part.text, place, take) : readContacts(part.text, place, take);
         contacts.problems.insert(contacts.problems.end(), problems.begin(), problems.end());
         if (copy.kind == RemoteCopy::Kind::file && !error.empty()) {
             contacts.error = error;

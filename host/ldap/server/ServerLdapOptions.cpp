@@ -86,8 +86,16 @@ std::optional<ServerLdapOptions> readServerLdapOptions(const std::filesystem::pa
                    {{"base", LdapScope::base}, {"one", LdapScope::one}, {"sub", LdapScope::subtree}});
     options.bindDn = section.text("bind_dn");
     options.password = section.text("password");
+    LdapSchema schema = LdapSchema::none;
+    section.choice("schema", schema,
+                   {{"inetorgperson", LdapSchema::inetOrgPerson}, {"enterprise", LdapSchema::enterprise}});
+    LdapSchemaAttributes attributes = attributesOf(schema);
+    options.nameAttributes = std::move(attributes.names);
+    options.numberAttributes = std::move(attributes.numbers);
+    options.detailAttributes = std::move(attributes.details);
     readAttributes(section, "name_attributes", options.nameAttributes);
     readAttributes(section, "number_attributes", options.numberAttributes);
+    readAttributes(section, "detail_attributes", options.detailAttributes);
     options.nameFilter = readFilter(section, "name_filter");
     options.numberFilter = readFilter(section, "number_filter");
     options.sizeLimit = section.number("size_limit", options.sizeLimit, 0, 10'000);

@@ -14,7 +14,7 @@ namespace {
 
 using Kind = RemoteOutcome::Kind;
 
-constexpr std::size_t cardsPerRequest = 100;
+constexpr std::size_t cardsPerRequest = 50;
 
 std::string_view withoutSlash(std::string_view path) {
     return path.substr(0, path.find_last_not_of('/') + 1);
