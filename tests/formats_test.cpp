@@ -1,4 +1,5 @@
 // Contacts in the forms in which they come: what is made of each, and which line is blamed for what is wrong.
+#include "host/formats/ContactExport.h"
 #include "host/formats/VCardReader.h"
 
 #include <gtest/gtest.h>
@@ -100,6 +101,84 @@ TEST(Formats, VCardsOfAllVersionsGiveTheirContacts) {
     check(
         {card("2.1", "FN:\x80uro\r\n"), {"\xD0\x82uro |"}, {"f:3: is not UTF-8"}},
         [](const std::string& bytes, const auto& take) { return host::readVCards(bytes, "f", take, "windows-1251"); });
+}
+
+// What is in it is told by the bytes alone: the form, the separator, the encoding, and the columns by their names.
+TEST(Formats, ExportsAreReadWhateverTheirFormSeparatorEncodingAndLanguage) {
+    const Case cases[] = {
+        {"First Name,Last Name,Organization Name,Organization Title,Labels,Phone 1 - Label,Phone 1 - Value,Phone 2 - "
+         "Type,"
+         "Phone 2 - Value,Address 1 - Formatted,Address 1 - City,E-mail 1 - Value,E-mail 1 - Label\n"
+         "Zo\xC3\xAB,Fairweather,Ltd,Buyer,* Friends ::: Work,Mobile,+44 7700 900170 ::: 12,Home Fax,3,\"1 "
+         "Road\nLeeds\","
+         "Leeds,a@example.com ::: b@example.com,Other\n",
+         {"Zo\xC3\xAB Fairweather | mobile:+447700900170 mobile:12 fax:3 organisation=Ltd title=Buyer group=Friends "
+          "group=Work address=1 Road, Leeds email=a@example.com email=b@example.com"}},
+        {"\"Title\",\"First Name\",\"Middle Name\",\"Last Name\",\"Company\",\"Job Title\",\"Business Street\","
+         "\"Business City\",\"Business Fax\",\"Business Phone\",\"Business Phone 2\",\"Company Main Phone\",\"Home "
+         "Phone\","
+         "\"Mobile Phone\",\"Other Phone\",\"E-mail Display Name\",\"Notes\",\"Web Page\",\"Hobby\"\r\n"
+         "\"Mr\",\"Jed\",\"B.\",\"Marlowe\",\"Ltd\",\"Buyer\",\"1 "
+         "Road\",\"Leeds\",\"1\",\"2\",\"3\",\"4\",\"5\",\"6\",\"7\","
+         "\"x\",\"n\",\"example.com\",\"\"\r\n",
+         {"Jed B. Marlowe | fax:1 work:2 work:3 work:4 home:5 mobile:6 other:7 organisation=Ltd title=Buyer note=n "
+          "web=example.com address=1 Road, Leeds"}},
+        {"Vorname;Nachname;Firma;Abteilung;Stra\xDF"
+         "e gesch\xE4"
+         "ftlich;Telefon gesch\xE4"
+         "ftlich;Fax privat;"
+         "Mobiltelefon;E-Mail-Adresse;Tel. "
+         "dienstlich;Mobil-Tel.-Nr.;Haupttelefon\r\nJ\xF6rg;M\xFCller;GmbH;Einkauf;Weg 1;"
+         "1;2;3;j@example.com;4;5;6\r\n",
+         {"J\xC3\xB6rg M\xC3\xBCller | work:1 fax:2 mobile:3 work:4 mobile:5 :6 organisation=GmbH department=Einkauf "
+          "email=j@example.com address=Weg 1"}},
+        {"sep=\t\nPr\xC3\xA9nom\tNom\tSoci\xC3\xA9t\xC3\xA9\tT\xC3\xA9l\xC3\xA9phone (bureau)\tT\xC3\xA9l. mobile\t"
+         "T\xC3\xA9l\xC3\xA9phone 2 (domicile)\tAdresse de messagerie\tFonction\n\xC3\x89mile\tDubois\tSARL\t1\t2\t3\t"
+         "e@example.com\tAcheteur\n",
+         {"\xC3\x89mile Dubois | work:1 mobile:2 home:3 organisation=SARL email=e@example.com title=Acheteur"}},
+        {"Nombre|Apellidos|Tel\xC3\xA9"
+         "fono del trabajo|M\xC3\xB3vil|Correo electr\xC3\xB3nico|Empresa\n"
+         "Consuelo|Ib\xC3\xA1\xC3\xB1"
+         "ez|1|2|c@example.com|SA\n#1|Taxi|3\n# no contact\nA|B|1|2|3|4|5\nOdd|No|x\n|||||\n",
+         {"Consuelo Ib\xC3\xA1\xC3\xB1"
+          "ez | work:1 mobile:2 email=c@example.com organisation=SA",
+          "#1 Taxi | work:3", "Odd No | work:x"},
+         {"f:5: has 7 fields", "f:6: \"x\" is not a number", "f:7: has neither"}},
+        {"name,work,mobile2,extra,city\nAnn,1,2,desk,Leeds\n", {"Ann | work:1 mobile:2 extra=desk city=Leeds"}},
+        {"Who;Customer number\nAnn;5\n", {}, {"f:1: names no column that is known"}},
+        {"", {}, {"f: is empty"}},
+        {"version: 1\n# people\ndn: cn=Zo\xC3\xAB,dc=example,dc=com\ncn:: Wm/DqyBGYWlyd2VhdGhl\n "
+         "cg==\ntelephoneNumber: +44 20\n"
+         "  7946 0070\nmobile;x-a: 7\nhomePhone:< file:///etc/passwd\nmail: a@example.com\no: Ltd\npostalAddress: 1 "
+         "Road$Leeds\n"
+         "\ndn: ou=none\nou: none\n\n\ndn: cn=b\nchangetype: delete\n\ndn: cn=Bo\nsn: Lee\ngivenName: Bo\nodd\nfax: "
+         "4\n",
+         {"Zo\xC3\xAB Fairweather | work:+442079460070 mobile:7 email=a@example.com organisation=Ltd address=1 "
+          "Road,Leeds",
+          "Bo Lee | fax:4"},
+         {"f:9: has its value in another file", "f:18: changes an entry", "f:24: has no colon"}},
+        {"dn: ou=none\nou: none\n", {}, {"f: holds no entry"}},
+    };
+    for (const Case& each : cases) {
+        check(each, [](const std::string& bytes, const auto& take) {
+            return host::readExport(bytes, "f", {}, [&](const auto& contact, std::size_t) { take(contact); }).contacts;
+        });
+    }
+}
+
+TEST(Formats, ColumnsCanBeToldAndThoseLeftOutAreNamed) {
+    host::ExportOptions options{"windows-1251", {}};
+    options.columns["wer"] = *host::meaningOfField("name");
+    options.columns["nr"] = *host::meaningOfField("mobile");
+    std::string contacts;
+    const host::ReadExport read =
+        host::readExport("Wer;Nr;Farbe;Leer\n\x80;7;rot;\n", "f", options, [&](const auto& contact, std::size_t line) {
+            contacts += std::to_string(line) + shown(contact);
+        });
+    EXPECT_EQ(contacts, "2\xD0\x82 | mobile:7");
+    EXPECT_EQ(read.form + ", " + read.charset, "CSV separated by ;, windows-1251");
+    EXPECT_EQ(read.unusedColumns, Strings{"Farbe"});
+    EXPECT_FALSE(host::meaningOfField("colour"));
 }
 
 } // namespace

@@ -58,6 +58,9 @@ public:
     // Adds a problem of the current row: what is wrong, and what to do.
     void addProblem(std::string_view reason) { m_problems.add(m_line, reason); }
 
+    // Where they are kept, for whoever adds to them what is made of a row.
+    Problems& problemList() { return m_problems; }
+
     // Why the table cannot be read; empty when it can. The other ends reading with an error of the current line, or of
     // the whole file.
     const std::string& error() const { return m_error; }

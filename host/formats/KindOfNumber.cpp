@@ -20,9 +20,9 @@ const Words& words() {
                                 {"office", work},
                                 {"company", work},
                                 {"job", work},
-                                {"geschaftlich", work},
-                                {"geschaeftlich", work},
-                                {"dienstlich", work},
+                                {"geschaft", work},
+                                {"geschaeft", work},
+
                                 {"dienst", work},
                                 {"arbeit", work},
                                 {"buro", work},
@@ -66,13 +66,13 @@ const Words& words() {
                                 {"movil", mobile},
                                 {"celular", mobile},
                                 {"cellphone", mobile},
-                                {"handynummer", mobile},
+
                                 {"natel", mobile},
                                 {"fax", fax},
                                 {"telefax", fax},
                                 {"telecopie", fax},
                                 {"telecopieur", fax},
-                                {"faxnummer", fax},
+
                                 {"facsimile", fax},
                                 {"pager", other},
                                 {"car", other},
@@ -104,6 +104,15 @@ const Words& words() {
 
 bool isLetter(char byte) {
     return byte >= 'a' && byte <= 'z';
+}
+
+// What a compound word begins with: "Geschäftstelefon", "Mobilnummer".
+std::string_view beginningOf(std::string_view word) {
+    constexpr std::string_view beginnings[] = {"geschaft", "geschaeft", "dienst", "firma", "privat",
+                                               "mobil",    "handy",     "fax",    "pager"};
+    const auto* found = std::find_if(std::begin(beginnings), std::end(beginnings),
+                                     [&](std::string_view beginning) { return word.starts_with(beginning); });
+    return found == std::end(beginnings) ? std::string_view() : *found;
 }
 
 } // namespace
@@ -140,7 +149,9 @@ NumberKind kindOfNumber(std::string_view label) {
     for (auto at = folded.begin(); at != folded.end();) {
         at = std::find_if(at, folded.end(), isLetter);
         const auto end = std::find_if_not(at, folded.end(), isLetter);
-        kinds.add({at, end});
+        if (const std::string_view word(at, end); !kinds.add(word)) {
+            kinds.add(beginningOf(word));
+        }
         at = end;
     }
     return kinds.kind();
