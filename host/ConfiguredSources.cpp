@@ -3,6 +3,7 @@
 #include "host/contacts/FileDirectory.h"
 #include "host/files/FileText.h"
 #include "host/files/SettingsCheck.h"
+#include "host/files/SettingsSection.h"
 #include "host/ldap/EmbeddedLdap.h"
 #include "host/ldap/server/ServerLdap.h"
 #include "host/remote/RemoteDirectory.h"
@@ -43,7 +44,7 @@ std::shared_ptr<ServerLdapDirectory> serverLdap(const std::shared_ptr<PhoneCore>
     for (const std::string& mistake : mistakes) {
         core->addProblem(mistake);
     }
-    if (!options || !core->options.network) {
+    if (!options) {
         return nullptr;
     }
     try {
@@ -89,18 +90,20 @@ ConfiguredLdap configuredLdap(const std::shared_ptr<PhoneCore>& core) {
     ConfigFile& config = core->configFile;
     const std::string mode = config.value("ldap", "mode").value_or("embedded");
     if (mode == "server") {
-        const auto directory = serverLdap(core);
-        return {directory, directory, directory != nullptr};
+        const auto server = serverLdap(core);
+        return {core->options.network ? server : nullptr, nullptr, server};
     }
     if (mode != "embedded") {
-        core->addProblem(config.path().string() + ": [ldap] mode = " + mode +
-                         " is not known; write embedded or server");
+        std::vector<std::string> mistakes;
+        SettingsSection(config.path(), "ldap", mistakes).refuse("mode", mode, "write embedded or server");
+        core->addProblem(mistakes.back());
         return {};
     }
     const std::chrono::milliseconds delay(config.integer("ldap", "delay_ms").value_or(usualLdapDelay.count()));
     const auto contacts =
         std::make_shared<FileDirectory>(core->realPath("/config/contacts/ldap_directory.csv"), problemSink(core));
-    return {std::make_shared<EmbeddedLdap>(core->kernel, contacts, core->options.ldapDelay.value_or(delay)), contacts};
+    return {std::make_shared<EmbeddedLdap>(core->kernel, contacts, core->options.ldapDelay.value_or(delay)), contacts,
+            nullptr};
 }
 
 ConfiguredRemote configuredRemote(const std::shared_ptr<PhoneCore>& core) {

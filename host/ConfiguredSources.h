@@ -5,7 +5,6 @@
 #include "host/PhoneCore.h"
 #include "host/files/Problems.h"
 #include "host/files/ReloadedFile.h"
-#include "host/sources/ContactLookup.h"
 #include "host/sources/LdapDirectory.h"
 #include "host/text/NumberForm.h"
 
@@ -15,7 +14,9 @@
 
 namespace host {
 
+class FileDirectory;
 class RemoteDirectory;
+class ServerLdapDirectory;
 
 // What adds to the phone's problems for as long as there is a phone.
 ProblemSink problemSink(const std::shared_ptr<PhoneCore>& core);
@@ -30,9 +31,9 @@ void reportDoubt(PhoneCore& core, const std::string& who);
 text::DiallingRules configuredDialling(PhoneCore& core);
 
 struct ConfiguredLdap {
-    std::shared_ptr<LdapDirectory> directory{};      // null: none that can be used
-    std::shared_ptr<const ContactLookup> contacts{}; // of the same directory
-    bool isServer = false;
+    std::shared_ptr<LdapDirectory> directory{};    // null: none that can be used
+    std::shared_ptr<FileDirectory> file{};         // what it answers from; null: no file
+    std::shared_ptr<ServerLdapDirectory> server{}; // what it is; null: no server
 };
 
 // The directory of the section [ldap].

@@ -6,6 +6,7 @@
 #include "host/contacts/FileDirectory.h"
 #include "host/contacts/PresenceFile.h"
 #include "host/files/FileWatch.h"
+#include "host/ldap/server/ServerLdap.h"
 #include "host/remote/RemoteDirectory.h"
 #include "host/remote/RemoteWorker.h"
 #include "host/sources/ContactLookup.h"
@@ -37,17 +38,21 @@ Phone::Phone(PhoneOptions options) : m_core(std::make_shared<PhoneCore>(std::mov
 void Phone::openContactFiles() {
     const ProblemSink sink = problemSink(m_core);
     const auto open = [&](Source source, std::string_view name, std::string_view path) {
-        const auto directory = std::make_shared<FileDirectory>(m_core->realPath(path), sink);
+        m_places[name] = m_core->realPath(path);
+        const auto directory = std::make_shared<FileDirectory>(m_places[name], sink);
         setSource(source, directory);
         m_lookups[name] = directory;
     };
     open(Source::localDirectory, sourceName::localDirectory, "/config/contacts/local_directory.csv");
     open(Source::broadSoftDirectory, sourceName::broadSoftDirectory, "/config/contacts/broadsoft_directory.csv");
-    m_callLog = std::make_shared<CallLogFile>(m_core->realPath("/config/contacts/call_log.csv"), sink);
+    m_places[sourceName::callLog] = m_core->realPath("/config/contacts/call_log.csv");
+    m_places[sourceName::presence] = m_core->realPath("/config/contacts/presence_buddies.json");
+    m_places[sourceName::ldap] = m_core->realPath("/config/contacts/ldap_directory.csv");
+    m_callLog = std::make_shared<CallLogFile>(m_places[sourceName::callLog], sink);
     setSource(Source::callLog, m_callLog);
     setRecentCalls(m_callLog);
     m_lookups[sourceName::callLog] = m_callLog;
-    m_presence = std::make_shared<PresenceFile>(m_core->realPath("/config/contacts/presence_buddies.json"), sink);
+    m_presence = std::make_shared<PresenceFile>(m_places[sourceName::presence], sink);
     setPresence(m_presence.get());
     m_lookups[sourceName::presence] = m_presence;
     const std::set<std::string> doubtful = reportUnknownSettings(*m_core);
@@ -63,8 +68,9 @@ void Phone::openContactFiles() {
     } else {
         ConfiguredLdap ldap = configuredLdap(m_core);
         setLdap(std::move(ldap.directory));
-        m_lookups[sourceName::ldap] = std::move(ldap.contacts);
-        m_asksLdapServer = ldap.isServer;
+        m_ldapFile = std::move(ldap.file);
+        m_ldapServer = std::move(ldap.server);
+        m_lookups[sourceName::ldap] = m_ldapServer ? std::shared_ptr<const ContactLookup>(m_ldapServer) : m_ldapFile;
     }
 }
 

@@ -11,6 +11,7 @@
 #pragma once
 
 #include "host/PhoneOptions.h"
+#include "host/SourceTrial.h"
 #include "host/kernel/Interruption.h"
 #include "host/kernel/Trace.h"
 #include "host/kernel/TrackedBlocks.h"
@@ -21,6 +22,8 @@
 
 #include "platform/Presence.h"
 
+#include <filesystem>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -32,11 +35,13 @@ namespace host {
 
 class CallLogFile;
 class ContactLookup;
+class FileDirectory;
 class FileWatch;
 class PhoneCore;
 class PresenceFile;
 class RemoteDirectory;
 class RemoteWorker;
+class ServerLdapDirectory;
 
 class Phone {
 public:
@@ -68,7 +73,11 @@ public:
     const ContactLookup* lookup(std::string_view sourceName) const;
 
     // True when LDAP is a server, of which no more than the latest answers is kept here. Any thread.
-    bool asksLdapServer() const { return m_asksLdapServer; }
+    bool asksLdapServer() const { return m_ldapServer != nullptr; }
+
+    // Asks a source (sources/SourceNames.h) for nobody's sake, which reads its file anew where that has changed, or has
+    // a server asked. Waits for it until giveUp() is true, which is looked at all the time. Not while a search runs.
+    SourceTrial tryOut(std::string_view sourceName, const std::function<bool()>& giveUp);
 
     // A value of the phone's configuration in place of the configuration file's. Any thread.
     void setConfig(std::string_view key, int value);
@@ -118,14 +127,16 @@ private:
     void openRemoteDirectory(std::shared_ptr<RemoteDirectory> directory);
 
     const std::shared_ptr<PhoneCore> m_core;
-    std::shared_ptr<CallLogFile> m_callLog;       // null without contact files
-    std::shared_ptr<PresenceFile> m_presence;     // null without contact files
-    std::unique_ptr<FileWatch> m_watch;           // null while nothing is watched
-    std::shared_ptr<RemoteDirectory> m_remote;    // null where it is no server
-    std::unique_ptr<RemoteWorker> m_remoteWorker; // null where no server is asked
+    std::shared_ptr<CallLogFile> m_callLog;            // null without contact files
+    std::shared_ptr<PresenceFile> m_presence;          // null without contact files
+    std::shared_ptr<FileDirectory> m_ldapFile;         // null where it is a server, or nothing
+    std::shared_ptr<ServerLdapDirectory> m_ldapServer; // null where it is none
+    std::unique_ptr<FileWatch> m_watch;                // null while nothing is watched
+    std::shared_ptr<RemoteDirectory> m_remote;         // null where it is no server
+    std::unique_ptr<RemoteWorker> m_remoteWorker;      // null where no server is asked
 
     std::map<std::string_view, std::shared_ptr<const ContactLookup>> m_lookups; // by source; as the phone was made
-    bool m_asksLdapServer = false;
+    std::map<std::string_view, std::filesystem::path> m_places;                 // of their files, by source
 };
 
 } // namespace host
