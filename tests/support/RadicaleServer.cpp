@@ -37,14 +37,15 @@ RadicaleServer::RadicaleServer() {
     if (process == 0) {
         ::prctl(PR_SET_PDEATHSIG, SIGKILL);
         if (::chdir(folder.path().c_str()) == 0) {
-            ::execlp("radicale", "radicale", "--config", "settings", nullptr);
+            ::execl("/usr/bin/python3", "python3", "-m", "radicale", "--config", "settings", nullptr);
         }
         ::_exit(127);
     }
     const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(20);
     while (process < 0 || !answersAt(port)) {
         if (process < 0 || std::chrono::steady_clock::now() > giveUp || ::waitpid(process, nullptr, WNOHANG) != 0) {
-            throw std::runtime_error("radicale does not start; install radicale and openssl (scripts/install-deps.sh)");
+            throw std::runtime_error(
+                "radicale does not start; install python3-radicale and openssl (scripts/install-deps.sh)");
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
