@@ -176,7 +176,7 @@ TEST(Formats, ColumnsCanBeToldAndThoseLeftOutAreNamed) {
             contacts += std::to_string(line) + shown(contact);
         });
     EXPECT_EQ(contacts, "2\xD0\x82 | mobile:7");
-    EXPECT_EQ(read.form + ", " + read.charset, "CSV separated by ;, windows-1251");
+    EXPECT_EQ(read.form + ", " + read.charset, "CSV separated by semicolons, windows-1251");
     EXPECT_EQ(read.unusedColumns, Strings{"Farbe"});
     EXPECT_FALSE(host::meaningOfField("colour"));
 }

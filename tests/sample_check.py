@@ -1,14 +1,15 @@
 #!/usr/bin/env -S python3 -B
-"""Holds sample/ to what it promises: every source on, contacts that overlap, and phone numbers that can ring nobody
-because their ranges are reserved for fiction and examples."""
+"""Holds sample/ to what it promises: every source on, contacts that overlap, and phone numbers, also in its exports, that can
+ring nobody because their ranges are reserved for fiction and examples."""
 import csv, json, re
 import xml.etree.ElementTree as xml
 from collections import defaultdict
 from pathlib import Path
 
-from checking import expect, finish
+from checking import ROOT, expect, finish, run
 
-CONFIG = Path(__file__).resolve().parent.parent / "sample" / "config"
+SAMPLE = Path(__file__).resolve().parent.parent / "sample"
+CONFIG = SAMPLE / "config"
 # Who reserves them: NANPA, Ofcom, Bundesnetzagentur, ARCEP and ACMA; four digits are the company's extensions.
 RESERVED = re.compile(r"""\d{4} | \+1[2-9]\d\d55501\d\d
     | (\+44|0)(207946\d|7700900|11[3-8]4960|1[2-6]14960|1632960)\d{3}
@@ -29,6 +30,11 @@ found = [("buddies", b["name"], a["value"]) for b in buddies for a in b["attribu
 found += [("calls", call["name"], call["number"]) for call in rows("call_log.csv")]
 for source in "local", "broadsoft", "ldap", "remote":
     found += [(source, r["name"], r[f"number{i}"]) for r in rows(f"{source}_directory.csv") for i in (1, 2, 3)]
+run("init", ROOT / "phone", "--from", *(SAMPLE / "exports").iterdir())
+with open(ROOT / "phone/config/contacts/local_directory.csv", encoding="utf-8", newline="") as file:
+    exported = [row for row in csv.reader(file) if row[1:] and not row[0].startswith("#")]
+found += [("exports", row[0], field) for row in exported for field in row if re.fullmatch(r"\+?\d{4,}", field)]
+expect(len(exported) > 9, f"too few exported contacts: {exported}")
 sources = defaultdict(set)
 for source, name, number in found:
     plain = re.sub(r"[ ./()-]", "", number)

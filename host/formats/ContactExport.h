@@ -22,7 +22,7 @@ struct ExportOptions {
 };
 
 struct ReadExport {
-    std::string form;                       // for people: "vCard", "LDIF", "CSV separated by ;"
+    std::string form;                       // for people: "vCard", "LDIF", "CSV separated by commas"
     std::string charset;                    // that the bytes were read in
     std::vector<std::string> unusedColumns; // of a table: those with something in them that was not taken
     ReadContacts contacts;

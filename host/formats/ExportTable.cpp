@@ -41,7 +41,9 @@ char takeSeparator(std::string_view& text) {
 }
 
 std::string shownSeparator(char separator) {
-    return separator == '\t' ? "tabs" : std::string(1, separator);
+    constexpr const char* names[] = {"commas", "semicolons", "tabs", "bars"}; // in the order of separators
+    const std::size_t place = separators.find(separator);
+    return place == std::string_view::npos ? std::string(1, separator) : names[place];
 }
 
 // Makes contacts of the rows.

@@ -12,27 +12,7 @@ namespace {
 
 constexpr std::string_view fallbackCharset = "windows-1252";
 
-enum class Field {
-    number,
-    fullName,
-    nameParts,
-    organisation,
-    title,
-    role,
-    email,
-    address,
-    nickname,
-    note,
-    birthday,
-    web,
-    chat,
-    group,
-    kind,
-    version,
-    label,
-    agent,
-    nothing,
-};
+using Field = VCardField;
 
 struct Name {
     std::string_view name;
@@ -61,8 +41,9 @@ constexpr Name names[] = {{"TEL", Field::number},
                           {"AGENT", Field::agent}};
 
 Field fieldOf(std::string_view name) {
-    const auto* found =
-        std::find_if(std::begin(names), std::end(names), [&](const Name& each) { return isSameName(each.name, name); });
+    const auto* found = std::find_if(std::begin(names), std::end(names), [&](const Name& each) {
+        return each.name.size() == name.size() && isSameName(each.name, name);
+    });
     return found == std::end(names) ? Field::nothing : found->field;
 }
 
@@ -199,14 +180,14 @@ void VCardReader::readLine() {
                                   : m_old                  ? m_lines.wholeWithBlanks()
                                                            : m_lines.whole();
     if (const auto property = host::readProperty(line)) {
-        readProperty(*property);
+        readProperty(field, *property);
     } else {
         m_problems.add(m_lines.number(), "has no colon - write NAME:VALUE; line skipped");
     }
 }
 
-void VCardReader::readProperty(const VCardProperty& property) {
-    switch (fieldOf(property.name)) {
+void VCardReader::readProperty(Field field, const VCardProperty& property) {
+    switch (field) {
     case Field::number:
         return readNumber(property);
     case Field::fullName:
@@ -302,11 +283,21 @@ bool VCardReader::finishCard() {
     return !contact.numbers.empty() || (!contact.name.empty() && !m_card.isGroup);
 }
 
+// Whether the value is its own text, as most are.
+bool VCardReader::isPlain(const VCardProperty& property) {
+    return !property.quotedPrintable && property.charset.empty() &&
+           property.value.find('\\') == std::string_view::npos && property.value.find('\0') == std::string_view::npos &&
+           text::isUtf8(property.value);
+}
+
 std::string VCardReader::bytesOf(const VCardProperty& property) {
     return property.quotedPrintable ? fromQuotedPrintable(property.value) : std::string(property.value);
 }
 
 std::string VCardReader::textOf(const VCardProperty& property) {
+    if (isPlain(property)) {
+        return std::string(property.value);
+    }
     std::string all;
     for (const std::string& part : partsOf(property, '\0')) {
         all.append(all.empty() ? "" : " ").append(part);

@@ -25,6 +25,29 @@
 
 namespace host {
 
+// What the reader takes of a card.
+enum class VCardField {
+    number,
+    fullName,
+    nameParts,
+    organisation,
+    title,
+    role,
+    email,
+    address,
+    nickname,
+    note,
+    birthday,
+    web,
+    chat,
+    group,
+    kind,
+    version,
+    label,
+    agent,
+    nothing,
+};
+
 class VCardReader {
 public:
     // text is UTF-8 as a rule and must outlive the reader; file is what problems name. A value that is not UTF-8 and
@@ -76,14 +99,15 @@ private:
     void readCard();
     bool isEnd(std::string_view line);
     void readLine();
-    void readProperty(const VCardProperty& property);
+    void readProperty(VCardField field, const VCardProperty& property);
     void readNumber(const VCardProperty& property);
     void readOrganisation(const VCardProperty& property);
     void readAddress(const VCardProperty& property);
     void addFact(FactKind kind, const VCardProperty& property);
     bool finishCard();
 
-    std::string bytesOf(const VCardProperty& property);
+    static bool isPlain(const VCardProperty& property);
+    static std::string bytesOf(const VCardProperty& property);
     std::string textOf(const VCardProperty& property);
     std::vector<std::string> partsOf(const VCardProperty& property, char separator);
     std::string converted(std::string bytes, std::string_view charset);

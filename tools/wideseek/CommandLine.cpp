@@ -2,6 +2,7 @@
 
 #include "tools/wideseek/ExitCode.h"
 #include "tools/wideseek/check/CheckCommand.h"
+#include "tools/wideseek/import/ImportCommand.h"
 #include "tools/wideseek/init/InitCommand.h"
 #include "tools/wideseek/pages/PagesCommand.h"
 #include "tools/wideseek/phone/PhoneCommand.h"
@@ -52,6 +53,16 @@ Exit code: 0 every request got its page or was abandoned, 1 something failed, 2 
 constexpr const char* initFooter = R"(
 Makes the files of a phone in DIR, each with a word on what belongs into it, and switches on those sources whose
 files are there. What is in DIR stays as it is: contact files that you have put into DIR/config/contacts are used.)";
+
+constexpr const char* importFooter = R"(
+Reads vCard (2.1, 3.0, 4.0), tables of any separator (CSV) and LDIF; columns are known by their names in English, German,
+French and Spanish. A person who is in the source already (same name, and a number or e-mail address in common) gets what
+is new; what is in the source stays. Every contact that cannot be used is named with its file and line.
+
+--map takes name, first, middle, last, number, work, mobile, home, fax, other, extra, organisation, department, title,
+nickname, email, address, city, web, chat, birthday, group, note; nothing leaves a column out.
+
+Exit code: 0 everything was read and written, 1 a file could not be, 2 usage error.)";
 
 constexpr const char* checkFooter = R"(
 Prints the sources in the order in which a phone with this source list asks and lists them, then those that it does not
@@ -157,7 +168,38 @@ void addInit(CLI::App& parser, InitArguments& arguments) {
         ->option_text(" ")
         ->required()
         ->transform(asTyped());
+    parser.add_option("--from", arguments.from, "Import these files, as \"wideseek import\" does")
+        ->option_text("FILE...")
+        ->transform(asTyped());
     parser.footer(initFooter);
+}
+
+void addImport(CLI::App& parser, ImportArguments& arguments) {
+    parser.add_option("FILE", arguments.files, "The files; of a folder, the .vcf files in it")
+        ->option_text("...")
+        ->required()
+        ->transform(asTyped());
+    parser
+        .add_option("--root", arguments.root,
+                    "The phone's root folder. Default: the environment variable WIDESEEK_ROOT")
+        ->option_text("DIR")
+        ->envname("WIDESEEK_ROOT")
+        ->transform(asTyped());
+    parser
+        .add_option("--into", arguments.into,
+                    "The source that takes them: " + knownTargets() + ".\nDefault: local_directory")
+        ->option_text("SOURCE")
+        ->transform(asTyped());
+    parser.add_option("--map", arguments.columns, "What is in a column, for one that is not known by its name")
+        ->option_text("COLUMN=FIELD")
+        ->expected(1)
+        ->take_all()
+        ->transform(asTyped());
+    parser.add_option("--encoding", arguments.encoding, "Of the files, as iconv names it. Default: it is found")
+        ->option_text("NAME");
+    parser.add_flag("--dry-run", arguments.dryRun, "Tell what would be done, and write nothing");
+    parser.add_flag("--json", arguments.json, "Print one JSON object and nothing else");
+    parser.footer(importFooter);
 }
 
 // What a newcomer can type on, or watch.
@@ -201,6 +243,11 @@ std::variant<Command, int> readCommandLine(int argc, char** argv) {
     CLI::App* initParser = application.add_subcommand("init", "Make a phone's folder for contacts of your own");
     addInit(*initParser, init);
 
+    ImportArguments import;
+    CLI::App* importParser =
+        application.add_subcommand("import", "Bring contacts that other programs have written into a phone");
+    addImport(*importParser, import);
+
     try {
         application.parse(argc > 1 ? markedArguments(argc, argv) : std::vector{defaultCommand()});
     } catch (const CLI::ParseError& error) {
@@ -220,6 +267,9 @@ std::variant<Command, int> readCommandLine(int argc, char** argv) {
     }
     if (initParser->parsed()) {
         return Command([init] { return makePhone(init); });
+    }
+    if (importParser->parsed()) {
+        return Command([import] { return importContacts(import); });
     }
     return Command([check] { return wideseek::check(check); });
 }

@@ -1,8 +1,10 @@
 #include "tools/wideseek/init/InitCommand.h"
 
+#include "host/contacts/ContactPlace.h"
 #include "tools/wideseek/ExitCode.h"
 #include "tools/wideseek/PhoneArguments.h"
 #include "tools/wideseek/Text.h"
+#include "tools/wideseek/import/ImportCommand.h"
 #include "tools/wideseek/init/PhoneFiles.h"
 
 #include <cerrno>
@@ -49,6 +51,26 @@ void tell(const fs::path& file, bool isNew) {
     std::cout << "  " << printable(file.string()) << (isNew ? "" : "  (was there, is as it was)") << '\n';
 }
 
+// The contacts that are there, or are to be made.
+void makeContacts(const fs::path& file, std::string_view content) {
+    if (const auto places = host::contactsAt(file); !places.empty()) {
+        for (const host::ContactPlace& place : places) {
+            tell(place.path, false);
+        }
+    } else if (!content.empty()) {
+        tell(file, makeFile(file, content));
+    }
+}
+
+void requireReadable(const std::vector<std::string>& files) {
+    for (const std::string& file : files) {
+        std::error_code error;
+        if (!fs::exists(file, error)) {
+            throw std::runtime_error(printable(file) + ": not there; nothing was made. Check the file's name");
+        }
+    }
+}
+
 } // namespace
 
 int makePhone(const InitArguments& arguments) {
@@ -60,24 +82,33 @@ int makePhone(const InitArguments& arguments) {
         throw std::runtime_error(shown + " holds a phone already, which is as it was; name another folder, or remove " +
                                  printable(list.string()) + " to have the list of its sources made anew");
     }
+    requireReadable(arguments.from);
     const fs::path contacts = root / "config/contacts";
     const fs::path settings = list.parent_path() / "phone.ini";
     makeFolder(contacts);
     makeFolder(list.parent_path());
     std::cout << "A phone in " << shown << ":\n";
     for (const SourceFile& source : sourceFiles) {
-        const fs::path file = contacts / source.file;
-        if (!source.content.empty() || fs::exists(file, error)) {
-            tell(file, makeFile(file, source.content));
-        }
+        makeContacts(contacts / source.file, source.content);
     }
     tell(settings, makeFile(settings, newSettings));
     // Last, as it makes the folder a phone.
-    makeFile(list, newSourceList([&](const char* file) { return fs::exists(contacts / file, error); }));
+    makeFile(list, newSourceList([&](const char* file) { return !host::contactsAt(contacts / file).empty(); }));
     tell(list, true);
-    std::cout << "Put your contacts into " << printable((contacts / sourceFiles[0].file).string())
-              << ", then search them:\n  wideseek phone --root " << shown << '\n';
-    return exitCode::success;
+    int code = exitCode::success;
+    if (arguments.from.empty()) {
+        std::cout << "Put your contacts into " << printable((contacts / sourceFiles[0].file).string())
+                  << ", or bring in what other programs have written:\n  wideseek import --root " << shown
+                  << " FILE...\nThen search them:\n";
+    } else {
+        ImportArguments import;
+        import.files = arguments.from;
+        import.root = arguments.folder;
+        code = importContacts(import);
+        std::cout << "Search them:\n";
+    }
+    std::cout << "  wideseek phone --root " << shown << '\n';
+    return code;
 }
 
 } // namespace wideseek

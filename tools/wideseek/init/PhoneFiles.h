@@ -16,9 +16,13 @@ struct SourceFile {
 
 inline constexpr SourceFile sourceFiles[] = {
     {"local_directory_search", "Contacts", "local_directory.csv",
-     "name,number1,number2,number3,extra\n"
-     "# One contact on each line; a line like this one is skipped. Fields with a comma stand in quotes.\n"
-     "# Zoë Fairweather,+44 20 7946 0070,+44 7700 900170,,\"Sales, London\"\n"},
+     "name,number,work,mobile,home,extra\n"
+     "# One contact on each line; a line like this one is skipped. Fields with a comma stand in quotes. Another "
+     "column\n"
+     "# of a name that is there already takes a further number; docs/contact-files.md lists the names.\n"
+     "# Zoë Fairweather,,+44 20 7946 0070,+44 7700 900170,,\"Sales, London\"\n"
+     "# \"wideseek import\" adds what other programs have written: vCard, CSV, LDIF. Instead of this file\n"
+     "# local_directory.vcf may stand here, or a folder local_directory with .vcf files in it.\n"},
     {"calllog_search", "Call log", "call_log.csv",
      "time,direction,name,number,extra\n"
      "# One call on each line; its direction is out, in or missed.\n"
