@@ -1,6 +1,6 @@
 # The benchmarks: wideseek_bench (bench/search_bench.cpp, bench/search) measures single workloads of the library and its
-# sources, wideseek_session_bench (bench/session_bench.cpp, bench/session) whole typing sessions. Both share the rest of
-# bench.
+# sources, wideseek_session_bench (bench/session_bench.cpp, bench/session) whole typing sessions, wideseek_load_bench
+# (bench/load_bench.cpp) reading contacts. They share the rest of bench.
 
 file(GLOB shared CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/bench/*.cpp")
 list(FILTER shared EXCLUDE REGEX "_bench\\.cpp$")
@@ -8,6 +8,8 @@ file(GLOB search CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/bench/search/*.cpp")
 file(GLOB session CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/bench/session/*.cpp")
 find_package(benchmark QUIET)
 find_package(SQLite3 QUIET)
+add_executable(wideseek_load_bench "${PROJECT_SOURCE_DIR}/bench/load_bench.cpp" ${shared})
+target_link_libraries(wideseek_load_bench PRIVATE wideseek_settings wideseek_host)
 if(benchmark_FOUND AND SQLite3_FOUND)
   add_executable(wideseek_bench "${PROJECT_SOURCE_DIR}/bench/search_bench.cpp" ${search} ${shared})
   target_link_libraries(wideseek_bench PRIVATE wideseek_settings wideseek_objects wideseek_host benchmark::benchmark)

@@ -87,6 +87,23 @@ for place in CONTACTS / "local_directory.vcf", CONTACTS / "local_directory/bo.vc
     (CONTACTS / "local_directory/bo.vcf").write_bytes(CARD)
 shutil.rmtree(CONTACTS / "local_directory")
 
+# Whatever is in it, what was brought in is read again as it was: the same export brings nothing new. A link stays a link.
+(ROOT / "elsewhere").write_text("name\n")
+(ROOT / "elsewhere").chmod(0o640)
+CSV.symlink_to(ROOT / "elsewhere")
+ODD = export('name,work,other,organisation,department,email,address,note,web,nickname,group\n'
+             '"A;B, ""C"" \\ #D",1,+44*5#,"Ü;,\\n Ltd","Lost, ""&"" Found",a@example.com,"1, Long; Street",'
+             f'"{"Žluťoučký kůň; " * 40}",https://example.com/?a=b;c:d,#Al," x, y "\n#x,2,,,,,,,,,\n" , ",3,,,,,,,,,\n')
+for place in CSV, CONTACTS / "local_directory.vcf":
+    expect(counts(report_of(ODD)[0]) == [[3, 0, 0, 0]], f"odd contacts into {place}")
+    expect(counts(report_of(ODD)[0]) == [[0, 0, 3, 0]], f"odd contacts again: {bring(ODD).stdout.decode()}")
+    expect(len(rows("")) == 0 and len(rows("44*5#")) == 2, f"odd contacts from {place}: {rows('44*5#')}")
+    if place == CSV:
+        expect(place.is_symlink() and (ROOT / "elsewhere").stat().st_mode & 0o777 == 0o640, "the link, or its permissions")
+        place.unlink()
+        (CONTACTS / "local_directory.vcf").write_bytes(b"")
+(CONTACTS / "local_directory.vcf").unlink()
+
 # Another source, columns that are told, an encoding that is told; a file that cannot be read costs itself alone.
 odd = export("Wer;Nummer A;Ort\nЖанна;5;Ухта\n".encode("cp1251"))
 report, ended = report_of("--into", "remote_directory_search", "--map", "wer=name", "--map", "Nummer A=home",

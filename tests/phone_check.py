@@ -82,11 +82,11 @@ write("data/phone.ini", f"[features]\nFeaturesRecentCallEnable=1\n[ldap]\ndelay_
 
 
 def write_contacts(source, *rows):
-    write(f"contacts/{source}_directory.csv", "\n".join(["name,number1,number2,number3,extra", *rows, ""]))
+    write(f"contacts/{source}_directory.csv", "\n".join(["name,number1,mobile,number3,extra,fax", *rows, ""]))
 
 
 write_contacts("local", *(f"Local {i:02},5300{i:02},,,Leeds" for i in range(40)),
-               "渡辺渡辺渡辺渡辺渡辺渡辺渡辺渡辺渡辺渡辺渡辺渡辺,886001,,,京都", "Plain,886002,,,x", "Be\x07ll\x1b[1m,886003,,,x", "Multi,771,772,773,desk")
+               "渡辺渡辺渡辺渡辺渡辺渡辺渡辺渡辺渡辺渡辺渡辺渡辺,886001,,,京都", "Plain,886002,,,x", "Be\x07ll\x1b[1m,886003,,,x", "Multi,771,772,773,desk,774")
 write_contacts("ldap", *(f"Ldap {i:02},5301{i:02},,,Kyiv" for i in range(7)))
 write_contacts("remote", *(f"Remote {i:02},5302{i:02},,,Rome" for i in range(40)))
 write("contacts/call_log.csv", "\n".join(["time,direction,name,number,extra", "2026-01-02T10:00:00,out,Kim,771,then", *(
@@ -189,7 +189,7 @@ try:
     press(text="multi")
     see("> Multi +771 +Near +desk", "a contact with several numbers")
     press("F3", DOWN, DOWN, UP)
-    see(r"Enter dials 772(.|\n)* +Number +771\n> +772\n +773", "the number chosen")
+    see(r"Enter dials 772(.|\n)* +Number +771\n> +772 \(mobile\)\n +773\n +774 \(fax\)", "the number chosen")
     press(ENTER)
     see(r"> Multi(.|\n)*Would dial 772 \(Multi\)", "the number dialled, and the rows again")
 

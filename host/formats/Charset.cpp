@@ -48,6 +48,18 @@ int placeOfZeros(std::string_view bytes) {
     return -1;
 }
 
+// Whether more of it is UTF-8 than is not, of what is beyond ASCII: a few bytes may be broken.
+bool isMostlyUtf8(std::string_view text) {
+    std::size_t characters = 0;
+    std::size_t others = 0;
+    while (!text.empty()) {
+        const std::int32_t codePoint = text::takeFirst(text).codePoint;
+        others += codePoint < 0 ? 1U : 0U;
+        characters += codePoint >= 0x80 ? 1U : 0U;
+    }
+    return characters > others;
+}
+
 bool isUtf8Name(std::string_view name) {
     std::string plain;
     for (const char each : name) {
@@ -106,7 +118,7 @@ std::string charsetOf(std::string_view bytes) {
     if (zeros >= 0) {
         return zeros == 0 ? "UTF-16BE" : "UTF-16LE";
     }
-    return text::isUtf8(bytes) ? "UTF-8" : lastResort;
+    return text::isUtf8(bytes) || isMostlyUtf8(bytes) ? "UTF-8" : lastResort;
 }
 
 void readAsUtf8(std::string_view bytes, const std::string& charset, Utf8Text& result) {

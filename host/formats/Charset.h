@@ -31,8 +31,8 @@ private:
 // Whether the encoding is known.
 bool isCharset(const std::string& name);
 
-// What a whole file is encoded in: by its byte order mark, else UTF-8 when it is that, UTF-16 when every other byte of
-// its beginning is zero, else windows-1252, in which every text is some text.
+// What a whole file is encoded in: by its byte order mark, else UTF-16 when every other byte of its beginning is zero,
+// UTF-8 when it is that or most of it is, else windows-1252, in which every text is some text.
 std::string charsetOf(std::string_view bytes);
 
 struct Utf8Text {

@@ -19,6 +19,27 @@ bool isControl(char byte) {
     return value < firstPrintable || value == deleteCharacter;
 }
 
+// What is dialled of a number with an extension behind it, which nobody can dial along: "(617) 555-0116 ext. 23".
+// Empty: it is none.
+std::string_view withoutExtension(std::string_view number) {
+    constexpr std::string_view digits = "0123456789";
+    constexpr std::string_view marks[] = {"ext", "extension", "x", "durchwahl",
+                                          "poste"}; // of ASCII: as long as written
+    const std::size_t lastDigit = number.find_last_of(digits);
+    const std::size_t wordEnd = number.find_last_not_of("0123456789 ", lastDigit);
+    if (lastDigit != number.size() - 1 || wordEnd == std::string_view::npos) {
+        return {};
+    }
+    std::string_view before = number.substr(0, number[wordEnd] == '.' ? wordEnd : wordEnd + 1);
+    const std::string folded = text::folded(before);
+    for (const std::string_view mark : marks) {
+        if (folded.ends_with(mark) && text::dialableNumber(before.substr(0, before.size() - mark.size()))) {
+            return before.substr(0, before.size() - mark.size());
+        }
+    }
+    return {};
+}
+
 std::string tooLong(const char* what, std::size_t longest) {
     return std::string("has a ") + what + " of more than " + std::to_string(longest) + " bytes";
 }
@@ -58,7 +79,12 @@ void ContactBuilder::setName(std::string_view name, std::size_t line) {
 }
 
 void ContactBuilder::addNumber(std::string_view number, NumberKind kind, std::size_t line) {
+    number = text::trimBlanks(number);
     std::optional<std::string> dialable = text::dialableNumber(number);
+    if (const std::string_view main = dialable ? std::string_view() : withoutExtension(number); !main.empty()) {
+        addFact(FactKind::note, number, line);
+        dialable = text::dialableNumber(main);
+    }
     std::string taken = dialable ? *std::move(dialable) : oneLine(number);
     if (taken.empty()) {
         return;
