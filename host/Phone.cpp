@@ -1,21 +1,19 @@
 #include "host/Phone.h"
 
+#include "host/ConfiguredSources.h"
 #include "host/PhoneCore.h"
 #include "host/contacts/CallLogFile.h"
 #include "host/contacts/FileDirectory.h"
 #include "host/contacts/PresenceFile.h"
-#include "host/files/FileText.h"
 #include "host/files/FileWatch.h"
-#include "host/files/SettingsCheck.h"
-#include "host/ldap/EmbeddedLdap.h"
 #include "host/ldap/server/ServerLdap.h"
+#include "host/remote/RemoteDirectory.h"
+#include "host/remote/RemoteWorker.h"
 #include "host/sources/ContactLookup.h"
 #include "host/sources/SourceNames.h"
 #include "host/text/NumberForm.h"
 
-#include <iterator>
 #include <set>
-#include <stdexcept>
 #include <utility>
 
 namespace host {
@@ -26,97 +24,6 @@ using ETL_MsgQueueHelper::MSG_CONFIG_CHANGED;
 namespace {
 
 constexpr std::chrono::milliseconds watchPeriod(500);
-constexpr std::chrono::milliseconds usualLdapDelay(300);
-
-// The core is held weakly: what reports to it may outlive it.
-ProblemSink problemSink(const std::shared_ptr<PhoneCore>& core) {
-    return [weak = std::weak_ptr(core)](const std::string& problem) {
-        if (const auto alive = weak.lock()) {
-            alive->addProblem(problem);
-        }
-    };
-}
-
-std::shared_ptr<LdapDirectory> serverLdap(const std::shared_ptr<PhoneCore>& core) {
-    const std::filesystem::path& config = core->configFile.path();
-    std::vector<std::string> mistakes;
-    const auto options = readServerLdapOptions(config, mistakes);
-    for (const std::string& mistake : mistakes) {
-        core->addProblem(mistake);
-    }
-    if (!options) {
-        return nullptr;
-    }
-    try {
-        return makeServerLdap(*options, [weak = core->weak_from_this()](const std::string& line) {
-            if (const auto alive = weak.lock()) {
-                alive->report(6, "LDAP: " + line);
-            }
-        });
-    } catch (const std::invalid_argument& reason) {
-        core->addProblem(config.string() + ": [ldap] " + reason.what());
-        return nullptr;
-    }
-}
-
-// Reports the settings that nobody knows, and gives the sections that some of them were probably meant for.
-std::set<std::string> reportUnknownSettings(PhoneCore& core) {
-    KnownSettings known = {{"features", {"FeaturesRecentCallEnable"}},
-                           {"dialling", {"country_code", "trunk_prefix", "international_prefix"}},
-                           {"ldap", {"mode", "delay_ms"}}};
-    known["ldap"].insert(known["ldap"].end(), std::begin(serverLdapKeys), std::end(serverLdapKeys));
-    std::string error;
-    const auto text = readFile(core.configFile.path(), error);
-    const SettingsCheck check = checkSettings(text ? text->bytes : "", core.configFile.path().string(), known);
-    for (const std::string& problem : check.problems) {
-        core.addProblem(problem);
-    }
-    return check.doubtful;
-}
-
-// How the section [dialling] of the configuration says that numbers are dialled; as they are when it cannot be used.
-text::DiallingRules configuredDialling(PhoneCore& core) {
-    const auto value = [&core](const char* key) { return core.configFile.value("dialling", key).value_or(""); };
-    text::DiallingRules rules{value("country_code"), value("trunk_prefix"), value("international_prefix")};
-    if (const std::string problem = text::problemOf(rules); !problem.empty()) {
-        core.addProblem(core.configFile.path().string() + ": [dialling] " + problem);
-        return {};
-    }
-    return rules;
-}
-
-struct ConfiguredLdap {
-    std::shared_ptr<LdapDirectory> directory;        // null: none that can be used
-    std::shared_ptr<const ContactLookup> contacts{}; // of a directory that answers from a file
-};
-
-// The directory that the section [ldap] of the configuration describes.
-ConfiguredLdap configuredLdap(const std::shared_ptr<PhoneCore>& core) {
-    ConfigFile& config = core->configFile;
-    if (reportUnknownSettings(*core).contains("ldap")) {
-        core->addProblem(config.path().string() +
-                         ": LDAP is not asked, since a misspelt or misplaced setting may be what protects the "
-                         "password; mend it");
-        return {};
-    }
-    const std::string mode = config.value("ldap", "mode").value_or("embedded");
-    if (mode == "server") {
-        return {serverLdap(core)};
-    }
-    if (mode != "embedded") {
-        core->addProblem(config.path().string() + ": [ldap] mode = " + mode +
-                         " is not known; write embedded or server");
-        return {};
-    }
-    const std::chrono::milliseconds delay(config.integer("ldap", "delay_ms").value_or(usualLdapDelay.count()));
-    if (config.value("ldap", "delay_ms") && !config.integer("ldap", "delay_ms")) {
-        core->addProblem(config.path().string() + ": [ldap] delay_ms is no whole number; " +
-                         std::to_string(usualLdapDelay.count()) + " is taken");
-    }
-    const auto contacts =
-        std::make_shared<FileDirectory>(core->realPath("/config/contacts/ldap_directory.csv"), problemSink(core));
-    return {std::make_shared<EmbeddedLdap>(core->kernel, contacts, core->options.ldapDelay.value_or(delay)), contacts};
-}
 
 } // namespace
 
@@ -131,26 +38,53 @@ Phone::Phone(PhoneOptions options) : m_core(std::make_shared<PhoneCore>(std::mov
 void Phone::openContactFiles() {
     const ProblemSink sink = problemSink(m_core);
     const auto open = [&](Source source, std::string_view name, std::string_view path) {
-        const auto directory = std::make_shared<FileDirectory>(m_core->realPath(path), sink);
+        m_places[name] = m_core->realPath(path);
+        const auto directory = std::make_shared<FileDirectory>(m_places[name], sink);
         setSource(source, directory);
         m_lookups[name] = directory;
     };
     open(Source::localDirectory, sourceName::localDirectory, "/config/contacts/local_directory.csv");
-    open(Source::remoteDirectory, sourceName::remoteDirectory, "/config/contacts/remote_directory.csv");
     open(Source::broadSoftDirectory, sourceName::broadSoftDirectory, "/config/contacts/broadsoft_directory.csv");
-    m_callLog = std::make_shared<CallLogFile>(m_core->realPath("/config/contacts/call_log.csv"), sink);
+    m_places[sourceName::callLog] = m_core->realPath("/config/contacts/call_log.csv");
+    m_places[sourceName::presence] = m_core->realPath("/config/contacts/presence_buddies.json");
+    m_places[sourceName::ldap] = m_core->realPath("/config/contacts/ldap_directory.csv");
+    m_callLog = std::make_shared<CallLogFile>(m_places[sourceName::callLog], sink);
     setSource(Source::callLog, m_callLog);
     setRecentCalls(m_callLog);
     m_lookups[sourceName::callLog] = m_callLog;
-    m_presence = std::make_shared<PresenceFile>(m_core->realPath("/config/contacts/presence_buddies.json"), sink);
+    m_presence = std::make_shared<PresenceFile>(m_places[sourceName::presence], sink);
     setPresence(m_presence.get());
     m_lookups[sourceName::presence] = m_presence;
-    ConfiguredLdap ldap = configuredLdap(m_core);
-    setLdap(std::move(ldap.directory));
-    m_lookups[sourceName::ldap] = std::move(ldap.contacts);
+    const std::set<std::string> doubtful = reportUnknownSettings(*m_core);
+    if (doubtful.contains("remote_directory")) {
+        reportDoubt(*m_core, "the remote directory");
+    } else if (ConfiguredRemote remote = configuredRemote(m_core); remote.isWanted) {
+        openRemoteDirectory(std::move(remote.directory));
+    } else {
+        open(Source::remoteDirectory, sourceName::remoteDirectory, "/config/contacts/remote_directory.csv");
+    }
+    if (doubtful.contains("ldap")) {
+        reportDoubt(*m_core, "LDAP");
+    } else {
+        ConfiguredLdap ldap = configuredLdap(m_core);
+        setLdap(std::move(ldap.directory));
+        m_ldapFile = std::move(ldap.file);
+        m_ldapServer = std::move(ldap.server);
+        m_lookups[sourceName::ldap] = m_ldapServer ? std::shared_ptr<const ContactLookup>(m_ldapServer) : m_ldapFile;
+    }
+}
+
+void Phone::openRemoteDirectory(std::shared_ptr<RemoteDirectory> directory) {
+    m_remote = std::move(directory);
+    setSource(Source::remoteDirectory, m_remote);
+    m_lookups[sourceName::remoteDirectory] = m_remote;
+    if (m_remote && m_core->options.network && kernel().driver() == Driver::live) {
+        m_remoteWorker = std::make_unique<RemoteWorker>(m_remote);
+    }
 }
 
 Phone::~Phone() {
+    m_remoteWorker.reset();
     m_watch.reset();
     m_core->kernel.stop();
     setLdap(nullptr);
@@ -212,6 +146,10 @@ bool Phone::isIdle() const {
     const LdapModule& ldap = m_core->ldap;
     const auto queries = ldap.queryCount();
     return !ldap.isBusy() && m_core->kernel.pending() == 0 && ldap.queryCount() == queries;
+}
+
+std::optional<RemoteState> Phone::remoteDirectory() const {
+    return m_remoteWorker ? std::optional(m_remote->state()) : std::nullopt;
 }
 
 std::vector<std::string> Phone::problems(std::size_t from) const {

@@ -11,17 +11,22 @@
 #pragma once
 
 #include "host/PhoneOptions.h"
+#include "host/SourceTrial.h"
 #include "host/kernel/Interruption.h"
 #include "host/kernel/Trace.h"
 #include "host/kernel/TrackedBlocks.h"
+#include "host/remote/RemoteState.h"
 #include "host/sources/ContactSource.h"
 #include "host/sources/LdapDirectory.h"
 #include "host/sources/RecentCalls.h"
 
 #include "platform/Presence.h"
 
+#include <filesystem>
+#include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -30,9 +35,13 @@ namespace host {
 
 class CallLogFile;
 class ContactLookup;
+class FileDirectory;
 class FileWatch;
 class PhoneCore;
 class PresenceFile;
+class RemoteDirectory;
+class RemoteWorker;
+class ServerLdapDirectory;
 
 class Phone {
 public:
@@ -58,10 +67,17 @@ public:
     // thread.
     void addOutgoingCall(const GeneralDirItemData& call);
 
-    // Finds contacts again in the file behind a source, by the name of the source (sources/SourceNames.h). Null when
-    // there is no such file: without contact files, for an LDAP server, for a name that is not known. It lives as long
-    // as the phone. Any thread.
+    // Finds contacts again in the file behind a source, by the name of the source (sources/SourceNames.h); of an LDAP
+    // server, the people of its latest answers. Null when there is no such source: without contact files, for a name
+    // that is not known. It lives as long as the phone. Any thread.
     const ContactLookup* lookup(std::string_view sourceName) const;
+
+    // True when LDAP is a server, of which no more than the latest answers is kept here. Any thread.
+    bool asksLdapServer() const { return m_ldapServer != nullptr; }
+
+    // Asks a source (sources/SourceNames.h) for nobody's sake, which reads its file anew where that has changed, or has
+    // a server asked. Waits for it until giveUp() is true, which is looked at all the time. Not while a search runs.
+    SourceTrial tryOut(std::string_view sourceName, const std::function<bool()>& giveUp);
 
     // A value of the phone's configuration in place of the configuration file's. Any thread.
     void setConfig(std::string_view key, int value);
@@ -78,6 +94,10 @@ public:
     // True when nothing is queued, running or awaited from the LDAP directory: no page can come without a new request.
     // A repeating timer that is set counts as queued. Any thread.
     bool isIdle() const;
+
+    // How the remote directory does, when it is a server that is asked beside the searches: isIdle knows nothing of it.
+    // Nothing for one that is a file. Any thread.
+    std::optional<RemoteState> remoteDirectory() const;
 
     // What went wrong with the phone's files so far ("file:line: reason"), each problem once, from the one with this
     // index on. To ask for new ones alone, pass how many you have seen. Any thread.
@@ -104,13 +124,19 @@ public:
 
 private:
     void openContactFiles();
+    void openRemoteDirectory(std::shared_ptr<RemoteDirectory> directory);
 
     const std::shared_ptr<PhoneCore> m_core;
-    std::shared_ptr<CallLogFile> m_callLog;   // null without contact files
-    std::shared_ptr<PresenceFile> m_presence; // null without contact files
-    std::unique_ptr<FileWatch> m_watch;       // null while nothing is watched
+    std::shared_ptr<CallLogFile> m_callLog;            // null without contact files
+    std::shared_ptr<PresenceFile> m_presence;          // null without contact files
+    std::shared_ptr<FileDirectory> m_ldapFile;         // null where it is a server, or nothing
+    std::shared_ptr<ServerLdapDirectory> m_ldapServer; // null where it is none
+    std::unique_ptr<FileWatch> m_watch;                // null while nothing is watched
+    std::shared_ptr<RemoteDirectory> m_remote;         // null where it is no server
+    std::unique_ptr<RemoteWorker> m_remoteWorker;      // null where no server is asked
 
     std::map<std::string_view, std::shared_ptr<const ContactLookup>> m_lookups; // by source; as the phone was made
+    std::map<std::string_view, std::filesystem::path> m_places;                 // of their files, by source
 };
 
 } // namespace host

@@ -19,6 +19,7 @@ struct PhoneOptions {
     Driver driver = Driver::live;
     std::optional<Duration> ldapDelay; // of the embedded LDAP directory, in place of the phone's configuration
     bool contactFiles = true;          // false: no source is set, for tests that set their own
+    bool network = true;               // false: no server is asked; of the remote directory, its last copy answers
     LogSink log;                       // none: nothing is logged
 };
 

@@ -39,9 +39,12 @@ sources
 files         text
 formats       text files sources
 contacts      text files sources formats
+remote/http   text
+remote/refresh files remote/http
+remote        text sources files formats contacts remote/http remote/refresh
 ldap/server   text files sources
 ldap          kernel sources
-.             text kernel sources files contacts ldap/server ldap
+.             text kernel sources files contacts remote/http remote/refresh remote ldap/server ldap
 platform      text kernel sources .
 '
 known=' '

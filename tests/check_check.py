@@ -1,6 +1,7 @@
 #!/usr/bin/env -S python3 -B
-"""Runs the source list checker on small files: what it lists, what it warns of and where; and whether that is so."""
-import json
+"""Runs the checker on small source lists and phones: what it lists, what it warns of and where; and whether that is so."""
+import http.server, json, threading
+from itertools import zip_longest
 
 from checking import ROOT, expect, finish, list_sources, run, write
 
@@ -73,6 +74,64 @@ for many in ("<item/>" * 50_000, "<item>" * 50_000 + "</item>" * 50_000):
     FILE.write_text(f"<root_wideseek>{many}</root_wideseek>")
     expect(run("check", FILE, timeout=10).returncode == 1, "fifty thousand items")
 expect(b"is not a file" in run("check", "/dev/zero").stderr, "a device is read")
+
+# A whole phone: its settings, the file of each source, and its servers, of which one is there and one is not.
+class Server(http.server.BaseHTTPRequestHandler):
+    def do_GET(self):
+        self.send_response(200)
+        self.end_headers()
+        self.wfile.write(b"BEGIN:VCARD\nVERSION:3.0\nFN:Ann\nTEL:2041\nEND:VCARD\n")
+
+    def log_message(self, *_):
+        pass
+
+
+server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Server)
+threading.Thread(target=server.serve_forever, daemon=True).start()
+address = f"http://127.0.0.1:{server.server_port}/people.vcf"
+list_sources(KNOWN[0], KNOWN[1], KNOWN[2], KNOWN[3])
+write("contacts/local_directory.csv", 'name,number\nAnn,2041\n"A; - B",12x\n')
+write("contacts/presence_buddies.json", '[{"id": "x"}]')
+write("data/phone.ini", f"""[features]
+FeaturesRecentCalEnable=1
+[remote_directory]
+url={address}
+[ldap]
+mode=server
+url=ldap://127.0.0.1:1
+""")
+FOUND = [("config/data/phone.ini", 2, "did you mean FeaturesRecentCallEnable?"),
+         ("config/contacts/local_directory.csv", 3, "use digits"),
+         ("config/contacts/presence_buddies.json", 0, "the entry is left out"),
+         ("config/contacts/call_log.csv", 0, "put the file there")]
+for options, servers, more in (([], ["failed 0", "answered 1"], [("ldap://127.0.0.1:1", 0, "check that the server runs")]),
+                               (["--no-network"], ["unasked 0", "unasked 0"], [])):
+    ended = run("check", "--root", ROOT, "--json", *options)
+    report = json.loads(ended.stdout)
+    outcomes = [f'{source["outcome"]} {source["entries"]}' for source in report["sources"]]
+    expect(outcomes == ["answered 2", "absent 0", "absent 0", *servers, "answered 0"] and ended.returncode == 1, ended)
+    for (file, line, remedy), told in zip_longest(FOUND + more, report["findings"], fillvalue={}):
+        expect(told and told["file"].endswith(file) and told["line"] == line and remedy in told["remedy"] and
+               told["reason"], f"{file}: {told}")
+text = run("check", "--root", ROOT, "--no-network").stdout.decode()
+expect(f'{ROOT}/config/contacts/local_directory.csv:3: warning: "12x" is not a number that can be dialled; use' in text,
+       text)
+# The contacts of the server are there for the first key, and after the server has gone.
+expect(b'"name":"Ann"' in run("type", "--root", ROOT, "--json", "2041").stdout, "the first fetch is not awaited")
+server.shutdown()
+server.server_close()
+list_sources(KNOWN[2])
+ended = run("type", "--root", ROOT, "--json", "2041", "--pause", "300", "20")
+expect(b'"name":"Ann"' in ended.stdout and not ended.returncode, f"the last copy does not answer: {ended}")
+expect(run("check", "--root", ROOT, FILE).returncode == 0, "of a list alone, more than the list is looked at")
+write("data/phone.ini", "")
+write("contacts/presence_buddies.json", "[]")
+write("contacts/remote_directory.csv", "name,number\nAnn,2041\n")
+write("contacts/local_directory.csv", "name,number\nAnn,2041\n")
+ended = run("check", "--root", ROOT)
+expect(ended.returncode == 0 and b"remote directory     1 entry\n" in ended.stdout, f"nothing is wrong: {ended}")
+for file in (ROOT / "config").glob("*/*"):
+    file.unlink()
 
 # The phone bears the checker out: every id that it knows is asked, and an unknown or repeated one holds the page back.
 for ids, asked, pages in ((KNOWN, 7, 1), ((*KNOWN[:3], "foo"), 3, 0), ((KNOWN[0], KNOWN[0]), 2, 0),

@@ -143,6 +143,27 @@ TEST(LdapServer, TheFirstReadableNameCountsAndUnusablePeopleAreLeftOut) {
     }
 }
 
+TEST(LdapServer, ARowIsFoundAgainWithTheKindsOfItsNumbersAndWhatElseIsToldOfThePerson) {
+    const auto directory = host::makeServerLdap(
+        with(signedIn(), &ServerLdapOptions::detailAttributes, {"OU", "l", "employeeType"}), nullptr);
+    for (const std::string& key : {"nora"s, "person 0042"s, "zo\u00EB"s}) {
+        EXPECT_TRUE(ask(*directory, key).problem.empty()); // later answers leave it where it is
+    }
+    const auto known = directory->find({"Nora Numbers", "+447700900456"});
+    ASSERT_TRUE(known);
+    using enum host::NumberKind;
+    EXPECT_THAT(known->numbers,
+                ElementsAre(host::ContactNumber{"+441632960123", work}, host::ContactNumber{"+447700900456", mobile},
+                            host::ContactNumber{"*21#"}, host::ContactNumber{"447700900456"}));
+    std::string facts;
+    for (const auto& [label, value] : known->facts) {
+        facts += label + ": " + value + "; ";
+    }
+    EXPECT_EQ(facts, "Department: Sales; City: Leeds; employeeType: temporary; ");
+    const std::vector<host::NameAndNumber> rows = {{"Nora Numbers", "710042"}, {"Person 0042", "710042"}};
+    EXPECT_THAT(directory->holds(rows), ElementsAre(false, true));
+}
+
 TEST(LdapServer, AReachedSizeLimitGivesWhatWasReceivedAndSaysSo) {
     const struct {
         std::string key;
@@ -197,7 +218,7 @@ TEST(LdapServer, ManyNumbersTakeTimeInProportionAndAreGivenUpInTheMiddle) {
     person.names.emplace_back("Ann");
     std::list<std::string> numbers;
     for (int i = 0; i < 200'000; ++i) {
-        person.numbers.push_back(numbers.emplace_back(std::to_string(i)));
+        person.numbers.push_back({numbers.emplace_back(std::to_string(i))});
     }
     const host::LdapLimits limits{.numbers = SIZE_MAX, .rows = SIZE_MAX, .answerBytes = SIZE_MAX};
     int calls = 0;
@@ -415,7 +436,7 @@ TEST(LdapPeople, BetterMatchesComeFirstAndOtherwiseEverybodyAsReceived) {
         host::LdapPeople people(key, 0, {}, [] {});
         for (const auto& [name, number] :
              {std::pair("Hanna", "15"), {"Ann O'Hara", "51"}, {"Jo Ann", "+5"}, {"Di", "75"}}) {
-            EXPECT_TRUE(people.add({{name}, {number, "9"}}));
+            EXPECT_TRUE(people.add({{name}, {{number}, {"9"}}}));
         }
         return rowsOf({true, people.takeRows(), ""});
     };
@@ -456,12 +477,18 @@ TEST(LdapSettings, MistakesAreNamedAndNoServerIsUsed) {
     EXPECT_TRUE(good->limits.numbers == 3 && good->limits.answerBytes == 2048);
     EXPECT_EQ(good->limits.rows, host::LdapLimits().rows);
     EXPECT_THAT(good->nameAttributes, ElementsAre("displayName", "cn"));
+    EXPECT_TRUE(good->detailAttributes.empty());
+    const auto ready = read("schema = enterprise\nnumber_attributes = ipPhone\n");
+    ASSERT_TRUE(ready) << testing::PrintToString(problems);
+    EXPECT_THAT(ready->numberAttributes, ElementsAre("ipPhone"));
+    EXPECT_THAT(ready->detailAttributes, testing::Contains("department"));
 
     const Rows mistakes = {"url = http://h",
                            "url = ldap://h/dc=x",
                            "url =",
                            "starttls = perhaps",
                            "scope = all",
+                           "schema = mine",
                            "ca_file = /no/such/file",
                            "password = p",
                            "name_attributes = cn,,sn",
@@ -480,7 +507,8 @@ TEST(LdapSettings, MistakesAreNamedAndNoServerIsUsed) {
         EXPECT_FALSE(read(line + "\n")) << line;
         const std::string key = line.starts_with("password") ? "bind_dn" : line.substr(0, line.find(' '));
         ASSERT_EQ(problems.size(), 1U) << line;
-        EXPECT_THAT(problems.front(), HasSubstr("ldap_settings.ini: [ldap] " + key + ": "));
+        EXPECT_THAT(problems.front(), HasSubstr(": [ldap] " + key + ": ")) << line;
+        EXPECT_THAT(problems.front(), HasSubstr("ldap_settings.ini:"));
     }
 }
 

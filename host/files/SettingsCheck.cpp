@@ -57,6 +57,34 @@ std::string advice(const std::string& meant, const std::vector<std::string>& nam
     return "; known are " + all;
 }
 
+struct IniLine {
+    enum class Kind { other, section, setting };
+
+    Kind kind = Kind::other;
+    std::string_view name; // of the section or the setting
+};
+
+IniLine iniLineOf(std::string_view line) {
+    const bool goesOn = line.starts_with(' ') || line.starts_with('\t');
+    const std::string_view text = text::trimBlanks(line);
+    if (text.empty() || goesOn || text.front() == ';' || text.front() == '#') {
+        return {};
+    }
+    if (text.front() == '[') {
+        return {IniLine::Kind::section, text::trimBlanks(text.substr(1, text.find(']') - 1))};
+    }
+    return {IniLine::Kind::setting, text::trimBlanks(text.substr(0, text.find_first_of("=:")))};
+}
+
+template <typename Take> void forEachLine(std::string_view bytes, const Take& take) {
+    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+    for (std::string_view rest = bytes.substr(bytes.starts_with(byteOrderMark) ? 3 : 0); !rest.empty();) {
+        const std::string_view line = rest.substr(0, rest.find('\n'));
+        take(line);
+        rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+    }
+}
+
 class Checker {
 public:
     Checker(const std::string& file, const KnownSettings& known) : m_problems(file), m_known(known) {
@@ -170,13 +198,28 @@ private:
 
 SettingsCheck checkSettings(std::string_view bytes, const std::string& file, const KnownSettings& known) {
     Checker checker(file, known);
-    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-    for (std::string_view rest = bytes.substr(bytes.starts_with(byteOrderMark) ? 3 : 0); !rest.empty();) {
-        const std::string_view line = rest.substr(0, rest.find('\n'));
-        checker.line(line);
-        rest.remove_prefix(std::min(line.size() + 1, rest.size()));
-    }
+    forEachLine(bytes, [&](std::string_view line) { checker.line(line); });
     return checker.result();
+}
+
+std::size_t lineOfSetting(std::string_view bytes, std::string_view section, std::string_view key) {
+    std::size_t line = 0;
+    std::size_t found = 0;
+    bool within = false;
+    bool isSet = false;
+    forEachLine(bytes, [&](std::string_view text) {
+        const IniLine each = iniLineOf(text);
+        ++line;
+        if (each.kind == IniLine::Kind::section) {
+            within = each.name == section;
+        }
+        const bool sets = within && each.kind == IniLine::Kind::setting && each.name == key;
+        if (!isSet && (sets || (within && found == 0))) {
+            found = line;
+            isSet = sets;
+        }
+    });
+    return found;
 }
 
 } // namespace host

@@ -6,6 +6,7 @@
 //     // "phone.ini:4: start_tls is no setting of [ldap]; did you mean starttls?"
 #pragma once
 
+#include <cstddef>
 #include <map>
 #include <set>
 #include <string>
@@ -23,5 +24,8 @@ struct SettingsCheck {
 
 // bytes: an INI file as ConfigFile.h reads it; file: what the problems call it. Any thread.
 SettingsCheck checkSettings(std::string_view bytes, const std::string& file, const KnownSettings& known);
+
+// The line, from 1, that sets key in this section; that of the section's name when none does; 0 without the section.
+std::size_t lineOfSetting(std::string_view bytes, std::string_view section, std::string_view key);
 
 } // namespace host

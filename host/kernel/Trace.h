@@ -30,7 +30,7 @@ struct TraceEvent {
     std::size_t contacts = 0;  // offered by it
     std::size_t numbers = 0;   // of them, the numbers that are not empty
     bool failed = false;
-    std::string_view problem{}; // why, for people
+    std::string_view problem{}; // why, or what is to be known of the answer, for people
 };
 
 // Called on the thread that does what the event says; must not call back into the phone.

@@ -67,7 +67,9 @@ bool search(Source which, std::string_view name, WideseekItemListData* data) {
     if (phone->traceSink) {
         count(event, data->listResult, before);
     }
-    if (!succeeded) {
+    if (succeeded) {
+        event.problem = error;
+    } else {
         reportFailure(*phone, event, error);
     }
     phone->trace(event);

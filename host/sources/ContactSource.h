@@ -18,7 +18,8 @@ public:
     virtual ~ContactSource() = default;
 
     // Appends the contacts that match key (converted; empty matches all) to hits. False: the source failed; error then
-    // says why, for people. Hits may have been appended all the same.
+    // says why, for people. Hits may have been appended all the same. With true it may say what is to be known of the
+    // answer, such as how old it is.
     virtual bool search(const std::string& key, OxList<DirectorySearchData>& hits, std::string& error) = 0;
 };
 

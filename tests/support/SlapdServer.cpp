@@ -32,7 +32,7 @@ directory .
 // Names that would mean something in a filter, numbers written in every way, and attributes that are hardly of use.
 constexpr const char* oddPeople[] = {
     ("Nora Numbers\ntelephoneNumber: +44 (1632) 960-123\nMOBILE: +44.7700/900 456\n"
-     "roomNumber: *21#\nroomNumber: 44 [7700] 900.456"),
+     "roomNumber: *21#\nroomNumber: 44 [7700] 900.456\nou: Sales\nl: Leeds\nemployeeType: temporary"),
     "Star * Odd\ntelephoneNumber: 8001",
     "Bracket (cn=* Odd\ntelephoneNumber: 8002",
     "Back\\2a Odd\ntelephoneNumber: 8003",

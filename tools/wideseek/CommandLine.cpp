@@ -65,14 +65,17 @@ nickname, email, address, city, web, chat, birthday, group, note; nothing leaves
 Exit code: 0 everything was read and written, 1 a file could not be, 2 usage error.)";
 
 constexpr const char* checkFooter = R"(
-Prints the sources in the order in which a phone with this file asks and lists them, then those that it does not ask,
-then for each line to correct "FILE:LINE: warning: ...", and for each that works but may surprise "FILE:LINE: note: ...".
-The order is the library's own: it reads the file as it does on a phone.
+Prints the sources in the order in which a phone with this source list asks and lists them, then those that it does not
+ask, and what each source has: how many entries its file holds, or whether its server answers and takes the password.
+Then for each thing to correct "FILE:LINE: warning: ...", and for each that works but may surprise "FILE:LINE: note: ...".
+The order is the library's own: it reads the file as it does on a phone. With FILE, that source list alone is looked at.
 
 --json: one object with file, error (null, or line, column and message; 0 where there is none to name), asked and
-notAsked (objects with line, id, label and enabled), warnings and notes (objects with line, code and message).
+notAsked (objects with line, id, label and enabled), warnings and notes (objects with line, code and message), all of
+the source list; and of the phone sources (objects with source, enabled, server, outcome and entries) and findings
+(objects with file, line, reason and remedy).
 
-Exit code: 0 no warnings, 1 warnings, 2 the phone reads no sources from the file, or usage error.)";
+Exit code: 0 nothing to correct, 1 warnings, 2 the phone reads no sources from the list, or usage error.)";
 
 // The command line without the program's name, last argument first, as CLI::App::parse takes it.
 std::vector<std::string> markedArguments(int argc, char** argv) {
@@ -149,10 +152,13 @@ void addPages(CLI::App& parser, PagesArguments& arguments) {
 }
 
 void addCheck(CLI::App& parser, CheckArguments& arguments) {
-    parser.add_option("FILE", arguments.file, "The source list. Default: the one of the phone's root")
+    parser
+        .add_option("FILE", arguments.file,
+                    "A source list, to look at nothing else. Default: the whole phone is looked at")
         ->option_text(" ")
         ->transform(asTyped());
     addRoot(parser, arguments.root);
+    parser.add_flag("!--no-network", arguments.network, "Ask no server");
     parser.add_flag("--json", arguments.json, "Print one JSON object and nothing else");
     parser.footer(checkFooter);
 }
@@ -229,8 +235,8 @@ std::variant<Command, int> readCommandLine(int argc, char** argv) {
     addPages(*pagesParser, pages);
 
     CheckArguments check;
-    CLI::App* checkParser =
-        application.add_subcommand("check", "Explain a source list (wideseek.xml) and warn of mistakes in it");
+    CLI::App* checkParser = application.add_subcommand(
+        "check", "Look through a phone: its source list, settings, contact files and servers");
     addCheck(*checkParser, check);
 
     InitArguments init;
@@ -265,7 +271,7 @@ std::variant<Command, int> readCommandLine(int argc, char** argv) {
     if (importParser->parsed()) {
         return Command([import] { return importContacts(import); });
     }
-    return Command([check] { return checkFile(check); });
+    return Command([check] { return wideseek::check(check); });
 }
 
 } // namespace wideseek

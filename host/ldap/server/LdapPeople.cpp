@@ -31,10 +31,10 @@ LdapPeople::LdapPeople(std::string key, std::size_t limit, const LdapLimits& lim
 }
 
 // The first numbers that can be dialled, each once. They lie in memory.
-LdapPeople::Numbers LdapPeople::dialableNumbers(const std::vector<std::string_view>& written,
+LdapPeople::Numbers LdapPeople::dialableNumbers(const std::vector<Person::Number>& written,
                                                 std::unordered_set<std::string>& memory) {
     Numbers numbers;
-    for (const std::string_view value : written) {
+    for (const auto& [value, kind] : written) {
         m_goOn();
         if (value.size() > m_limits.numberBytes) {
             ++m_longNumbers;
@@ -48,7 +48,7 @@ LdapPeople::Numbers LdapPeople::dialableNumbers(const std::vector<std::string_vi
             ++m_crowded;
             break;
         }
-        numbers.push_back(&*memory.insert(*std::move(number)).first);
+        numbers.push_back({&*memory.insert(*std::move(number)).first, kind});
     }
     return numbers;
 }
@@ -68,6 +68,23 @@ std::string_view LdapPeople::usableName(const std::vector<std::string_view>& nam
     return {};
 }
 
+// What can be shown, within the limits.
+std::vector<KnownContact::Fact> LdapPeople::usableFacts(const std::vector<Person::Detail>& details) {
+    std::vector<KnownContact::Fact> facts;
+    for (const Person::Detail& detail : details) {
+        m_goOn();
+        const bool tooMany =
+            facts.size() == m_limits.numbers || m_detailBytes + detail.text.size() > m_limits.answerBytes;
+        if (tooMany || detail.text.size() > m_limits.nameBytes) {
+            ++m_leftDetails;
+        } else if (isReadable(detail.text)) {
+            m_detailBytes += detail.text.size();
+            facts.push_back({detail.label, std::string(detail.text)});
+        }
+    }
+    return facts;
+}
+
 bool LdapPeople::add(const Person& person) {
     std::unordered_set<std::string> memory;
     const Numbers numbers = dialableNumbers(person.numbers, memory);
@@ -75,7 +92,7 @@ bool LdapPeople::add(const Person& person) {
         ++m_numberless;
         return true;
     }
-    const auto holdsKey = [this](const std::string* number) { return text::isIn(*number, m_key); };
+    const auto holdsKey = [this](const Dialable& each) { return text::isIn(*each.number, m_key); };
     if (m_digits && std::none_of(numbers.begin(), numbers.end(), holdsKey)) {
         return true;
     }
@@ -88,11 +105,16 @@ bool LdapPeople::add(const Person& person) {
         return false;
     }
     ++m_taken;
-    const auto begins = [this](const std::string* number) { return text::beginsNumber(*number, m_key); };
+    const auto begins = [this](const Dialable& each) { return text::beginsNumber(*each.number, m_key); };
     const bool better =
         m_digits ? std::any_of(numbers.begin(), numbers.end(), begins) : text::beginsWordsOf(name, m_key);
-    return std::all_of(numbers.begin(), numbers.end(),
-                       [&](const std::string* number) { return addRow(better ? m_better : m_others, name, *number); });
+    LdapPerson& known = m_people.emplace_back();
+    known.name = name;
+    known.facts = usableFacts(person.details);
+    return std::all_of(numbers.begin(), numbers.end(), [&](const Dialable& each) {
+        known.numbers.push_back({*each.number, each.kind});
+        return addRow(better ? m_better : m_others, name, *each.number);
+    });
 }
 
 bool LdapPeople::addRow(std::list<NS_TA::LdapResultItem>& rows, std::string_view name, const std::string& number) {
@@ -129,6 +151,7 @@ std::vector<std::string> LdapPeople::leftOut(bool serverCut) const {
     count(m_longNamed, " people left out whose name is too long (the limit is [ldap] name_limit)");
     count(m_numberless, " people left out without a number that can be dialled (check [ldap] number_attributes)");
     count(m_longNumbers, " numbers left out that are too long (the limit is [ldap] number_limit)");
+    count(m_leftDetails, " details left out (the limits are [ldap] name_limit, numbers_limit and answer_limit_kb)");
     count(m_crowded, " people are shown and found by their first numbers only (the limit is [ldap] numbers_limit)");
     return texts;
 }

@@ -1,5 +1,6 @@
 #include "host/ldap/server/LdapSearch.h"
 
+#include "host/ldap/server/LdapAttributes.h"
 #include "host/ldap/server/LdapFilter.h"
 #include "platform/CommonAPI.h"
 
@@ -58,7 +59,7 @@ LdapSearch::LdapSearch(const ServerLdapOptions& options, LdapConnection& connect
       m_wanted(std::move(wanted)) {
 }
 
-LdapAnswer LdapSearch::answer(const LdapQuery& query) {
+LdapSearch::Answer LdapSearch::answer(const LdapQuery& query) {
     const bool digits = CommonAPI_IsSearchByT9(query.key);
     const int asked = query.maxCount > 0 ? query.maxCount : m_options.sizeLimit;
     const int limit = m_options.sizeLimit > 0 ? std::min(asked, m_options.sizeLimit) : asked;
@@ -69,7 +70,9 @@ LdapAnswer LdapSearch::answer(const LdapQuery& query) {
     LdapPeople people(query.key, static_cast<std::size_t>(limit), m_options.limits, [this] { goOn(); });
     // Of the people that a number filter finds only some hold the key, so the server cannot count them.
     Running running(m_connection,
-                    m_connection.search(filter, joined(m_options.nameAttributes, m_options.numberAttributes),
+                    m_connection.search(filter,
+                                        joined(joined(m_options.nameAttributes, m_options.numberAttributes),
+                                               m_options.detailAttributes),
                                         digits ? 0 : limit, static_cast<long>(std::max<long long>(left.count(), 1))));
     for (;;) {
         const LdapConnection::Message message = nextMessage(running);
@@ -77,7 +80,8 @@ LdapAnswer LdapSearch::answer(const LdapQuery& query) {
         const bool ended = type == LDAP_RES_SEARCH_RESULT;
         const bool cut = ended && isCut(*message);
         if (ended || (type == LDAP_RES_SEARCH_ENTRY && !add(*message, people))) {
-            return {true, people.takeRows(), sentence(people.leftOut(cut))};
+            LdapAnswer rows{true, people.takeRows(), sentence(people.leftOut(cut))};
+            return {std::move(rows), people.takePeople()};
         }
     }
 }
@@ -105,16 +109,21 @@ LdapConnection::Message LdapSearch::nextMessage(Running& running) const {
 bool LdapSearch::add(LDAPMessage& entry, LdapPeople& people) const {
     std::vector<LdapConnection::Values> memory; // what the person's values lie in
     LdapPeople::Person person;
-    const auto read = [&](const std::vector<std::string>& attributes, std::vector<std::string_view>& into) {
+    const auto read = [&](const std::vector<std::string>& attributes, const auto& take) {
         for (const std::string& attribute : attributes) {
             const auto& values = memory.emplace_back(m_connection.values(entry, attribute));
             for (berval** value = values.get(); value != nullptr && *value != nullptr; ++value) {
-                into.emplace_back((*value)->bv_val, (*value)->bv_len);
+                take(attribute, std::string_view((*value)->bv_val, (*value)->bv_len));
             }
         }
     };
-    read(m_options.nameAttributes, person.names);
-    read(m_options.numberAttributes, person.numbers);
+    read(m_options.nameAttributes, [&](const auto&, std::string_view text) { person.names.push_back(text); });
+    read(m_options.numberAttributes, [&](const std::string& attribute, std::string_view text) {
+        person.numbers.push_back({text, kindOfAttribute(attribute)});
+    });
+    read(m_options.detailAttributes, [&](const std::string& attribute, std::string_view text) {
+        person.details.push_back({labelOfAttribute(attribute), text});
+    });
     return people.add(person);
 }
 

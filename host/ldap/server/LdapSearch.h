@@ -20,9 +20,13 @@ public:
     LdapSearch(const ServerLdapOptions& options, LdapConnection& connection, const Waiter& waiter, TimePoint deadline,
                std::function<void()> wanted);
 
-    // The rows for query; problem says what is missing in them. Throws LdapFailure, Stopped through the waiter, and
-    // what wanted throws. Whatever ends it, the server is told to stop searching.
-    LdapAnswer answer(const LdapQuery& query);
+    // The answer to query; its problem says what is missing in them. Throws LdapFailure, Stopped through the waiter,
+    // and what wanted throws. Whatever ends it, the server is told to stop searching.
+    struct Answer {
+        LdapAnswer rows;
+        std::vector<LdapPerson> people; // of the rows
+    };
+    Answer answer(const LdapQuery& query);
 
 private:
     class Running;

@@ -1,5 +1,6 @@
 #include "host/ldap/server/ServerLdap.h"
 
+#include "host/ldap/server/LdapAnswers.h"
 #include "host/ldap/server/LdapConnection.h"
 #include "host/ldap/server/LdapFilter.h"
 #include "host/ldap/server/LdapSearch.h"
@@ -43,13 +44,16 @@ private:
 // Thrown on the worker thread when nobody waits for the answer any more.
 struct Withdrawn {};
 
-class ServerLdap final : public LdapDirectory {
+class ServerLdap final : public ServerLdapDirectory {
 public:
     ServerLdap(ServerLdapOptions options, LdapAddress address, std::function<void(std::string)> log);
     ~ServerLdap() override;
 
     void start(LdapQuery query, Done done) override;
     void abandon() override;
+
+    std::vector<bool> holds(std::span<const NameAndNumber> rows) const override { return m_answers.holds(rows); }
+    std::optional<KnownContact> find(const NameAndNumber& row) const override { return m_answers.find(row); }
 
 private:
     void run();
@@ -66,6 +70,8 @@ private:
     const LdapAddress m_address;
     const std::function<void(std::string)> m_log;
     const Waiter m_waiter;
+
+    LdapAnswers m_answers;
 
     std::mutex m_mutex;
     std::condition_variable m_delivered;
@@ -239,7 +245,8 @@ LdapAnswer ServerLdap::search(const Job& job) {
             throw Withdrawn();
         }
     };
-    LdapAnswer answer = LdapSearch(m_options, *m_connection, m_waiter, job.deadline, goOn).answer(job.query);
+    auto [answer, people] = LdapSearch(m_options, *m_connection, m_waiter, job.deadline, goOn).answer(job.query);
+    m_answers.add(std::move(people));
     if (!answer.problem.empty()) {
         answer.problem.insert(0, m_address.url + ": ");
     }
@@ -286,10 +293,13 @@ void checkAttributes(const std::vector<std::string>& attributes, std::string_vie
 
 } // namespace
 
-std::shared_ptr<LdapDirectory> makeServerLdap(ServerLdapOptions options, std::function<void(std::string)> log) {
+std::shared_ptr<ServerLdapDirectory> makeServerLdap(ServerLdapOptions options, std::function<void(std::string)> log) {
     LdapAddress address = parseLdapUrl(options.url);
     checkAttributes(options.nameAttributes, "name_attributes");
     checkAttributes(options.numberAttributes, "number_attributes");
+    if (!options.detailAttributes.empty()) {
+        checkAttributes(options.detailAttributes, "detail_attributes");
+    }
     checkTemplate(options.nameFilter, defaultNameFilter(options.nameAttributes, options.numberAttributes),
                   "name_filter");
     checkTemplate(options.numberFilter, defaultNumberFilter(options.numberAttributes), "number_filter");

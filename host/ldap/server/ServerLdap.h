@@ -20,6 +20,8 @@
 // held that done takes. abandon may be called from within done, the destructor must not.
 #pragma once
 
+#include "host/ldap/server/LdapAttributes.h"
+#include "host/sources/ContactLookup.h"
 #include "host/sources/LdapDirectory.h"
 
 #include <chrono>
@@ -57,6 +59,7 @@ struct ServerLdapOptions {
     std::string password;                             // password: never logged
     std::vector<std::string> nameAttributes = {"cn"}; // name_attributes: the first with a value counts
     std::vector<std::string> numberAttributes = {"telephoneNumber", "mobile"}; // number_attributes: all count
+    std::vector<std::string> detailAttributes{}; // detail_attributes: shown beside a person
     std::string nameFilter;   // name_filter: %k is the key; empty: from the attributes (LdapFilter.h)
     std::string numberFilter; // number_filter: %k is the key's digits with "*" between; empty: likewise
     int sizeLimit = 200;      // size_limit: people in an answer; 0: no limit but the query's own
@@ -65,10 +68,13 @@ struct ServerLdapOptions {
     std::chrono::milliseconds networkTimeout{3000}; // network_timeout_ms: for the TCP connection to be made
 };
 
+// A server as a directory, and the people of its latest answers, each with kinds of numbers and details.
+class ServerLdapDirectory : public LdapDirectory, public ContactLookup {};
+
 // The directory. Throws std::invalid_argument with a text for people when a URL, attribute or filter template cannot be
 // used. log takes what is worth knowing but no answer's problem, such as a connection that had to be made again; it is
 // called on the worker thread (and on the caller's within makeServerLdap) with no lock held. Any thread.
-std::shared_ptr<LdapDirectory> makeServerLdap(ServerLdapOptions options, std::function<void(std::string)> log);
+std::shared_ptr<ServerLdapDirectory> makeServerLdap(ServerLdapOptions options, std::function<void(std::string)> log);
 
 // The keys of the section [ldap] that readServerLdapOptions looks at.
 inline constexpr const char* serverLdapKeys[] = {"url",
@@ -79,8 +85,10 @@ inline constexpr const char* serverLdapKeys[] = {"url",
                                                  "scope",
                                                  "bind_dn",
                                                  "password",
+                                                 "schema",
                                                  "name_attributes",
                                                  "number_attributes",
+                                                 "detail_attributes",
                                                  "name_filter",
                                                  "number_filter",
                                                  "size_limit",
@@ -94,9 +102,9 @@ inline constexpr const char* serverLdapKeys[] = {"url",
                                                  "network_timeout_ms"};
 
 // Reads the section [ldap] of a configuration file (ConfigFile.h). Nothing when there are mistakes, each of which is
-// appended to problems as "file: [ldap] key: value: what is allowed": no server is asked with half of its settings, as
-// a misread one may send a password unprotected. A line that cannot be read counts as well: it may have been one of
-// them. Any thread.
+// appended to problems as "file:line: [ldap] key: value; what is allowed": no server is asked with half of its
+// settings, as a misread one may send a password unprotected. A line that cannot be read counts as well: it may have
+// been one of them. Any thread.
 std::optional<ServerLdapOptions> readServerLdapOptions(const std::filesystem::path& file,
                                                        std::vector<std::string>& problems);
 

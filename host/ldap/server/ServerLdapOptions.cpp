@@ -1,97 +1,42 @@
-#include "host/files/ConfigFile.h"
+#include "host/files/SettingsSection.h"
 #include "host/ldap/server/LdapConnection.h"
 #include "host/ldap/server/LdapFilter.h"
 #include "host/ldap/server/ServerLdap.h"
 #include "platform/CommonAPI.h"
 
 #include <algorithm>
-#include <charconv>
 #include <map>
 
 namespace host {
 
 namespace {
 
-// The section [ldap]: each value checked as it is read, each mistake noted.
-class LdapSection {
-public:
-    LdapSection(const std::filesystem::path& file, std::vector<std::string>& problems)
-        : m_config(file,
-                   [&problems](const std::string& problem) {
-                       // A file that was written just now is read again for each value.
-                       if (std::find(problems.begin(), problems.end(), problem) == problems.end()) {
-                           problems.push_back(problem);
-                       }
-                   }),
-          m_problems(problems) {}
-
-    void refuse(const std::string& key, const std::string& shown, const std::string& allowed) {
-        m_problems.push_back(m_config.path().string() + ": [ldap] " + key + ": " + shown + ": " + allowed);
+void readAttributes(SettingsSection& section, const std::string& key, std::vector<std::string>& names) {
+    const std::string given = section.text(key);
+    if (given.empty()) {
+        return;
     }
-
-    std::string text(const std::string& key) { return m_config.value("ldap", key).value_or(""); }
-
-    template <typename Value>
-    void choice(const std::string& key, Value& value, const std::map<std::string, Value>& allowed) {
-        const std::string given = text(key);
-        if (given.empty()) {
-            return;
+    names.clear();
+    for (std::size_t begin = 0; begin <= given.size();) {
+        const std::size_t comma = std::min(given.find(',', begin), given.size());
+        const std::string name = CommonAPI_TrimString(given.substr(begin, comma - begin), " \t", TRIM_TYPE_BOTH_ENDS);
+        if (!isAttributeName(name)) {
+            section.refuse(key, given, "write names of attributes (letters, digits, hyphens) with commas between");
         }
-        if (const auto found = allowed.find(given); found != allowed.end()) {
-            value = found->second;
-            return;
-        }
-        std::string names;
-        for (const auto& [name, ignored] : allowed) {
-            names.append(names.empty() ? "" : ", ").append(name);
-        }
-        refuse(key, given, "allowed are " + names);
+        names.push_back(name);
+        begin = comma + 1;
     }
+}
 
-    int number(const std::string& key, int standard, int least, int most) {
-        const std::string given = text(key);
-        int value = standard;
-        const char* const end = given.data() + given.size();
-        const auto [stop, error] = std::from_chars(given.data(), end, value);
-        if (!given.empty() && (error != std::errc() || stop != end || value < least || value > most)) {
-            refuse(key, given, std::to_string(least) + " to " + std::to_string(most) + " is allowed");
-            return standard;
-        }
-        return value;
+std::string readFilter(SettingsSection& section, const std::string& key) {
+    std::string given = section.text(key);
+    if (const std::string problem = given.empty() ? "" : filterTemplateProblem(given); !problem.empty()) {
+        section.refuse(key, given, problem + (given.size() > 150 ? " (a line has at most 199 characters)" : ""));
     }
+    return given;
+}
 
-    void attributes(const std::string& key, std::vector<std::string>& names) {
-        const std::string given = text(key);
-        if (given.empty()) {
-            return;
-        }
-        names.clear();
-        for (std::size_t begin = 0; begin <= given.size();) {
-            const std::size_t comma = std::min(given.find(',', begin), given.size());
-            const std::string name =
-                CommonAPI_TrimString(given.substr(begin, comma - begin), " \t", TRIM_TYPE_BOTH_ENDS);
-            if (!isAttributeName(name)) {
-                refuse(key, given, "names of attributes (letters, digits, hyphens) with commas between are allowed");
-            }
-            names.push_back(name);
-            begin = comma + 1;
-        }
-    }
-
-    std::string filter(const std::string& key) {
-        std::string given = text(key);
-        if (const std::string problem = given.empty() ? "" : filterTemplateProblem(given); !problem.empty()) {
-            refuse(key, given, problem + (given.size() > 150 ? " (a line has at most 199 characters)" : ""));
-        }
-        return given;
-    }
-
-private:
-    ConfigFile m_config;
-    std::vector<std::string>& m_problems;
-};
-
-void checkTransport(LdapSection& section, const ServerLdapOptions& options) {
+void checkTransport(SettingsSection& section, const ServerLdapOptions& options) {
     try {
         if (parseLdapUrl(options.url).tls && options.startTls) {
             section.refuse("starttls", "on", "ldaps:// is protected already, only off is allowed with it");
@@ -109,7 +54,7 @@ void checkTransport(LdapSection& section, const ServerLdapOptions& options) {
     }
 }
 
-void readLimits(LdapSection& section, LdapLimits& limits) {
+void readLimits(SettingsSection& section, LdapLimits& limits) {
     const auto read = [&](const std::string& key, std::size_t& limit, std::size_t unit, int most) {
         const int standard = static_cast<int>(limit / unit);
         limit = static_cast<std::size_t>(section.number(key, standard, 1, most)) * unit;
@@ -128,7 +73,7 @@ void readLimits(LdapSection& section, LdapLimits& limits) {
 std::optional<ServerLdapOptions> readServerLdapOptions(const std::filesystem::path& file,
                                                        std::vector<std::string>& problems) {
     const std::size_t before = problems.size();
-    LdapSection section(file, problems);
+    SettingsSection section(file, "ldap", problems);
     ServerLdapOptions options;
     options.url = section.text("url");
     const std::map<std::string, bool> onOff = {{"on", true}, {"off", false}};
@@ -141,10 +86,18 @@ std::optional<ServerLdapOptions> readServerLdapOptions(const std::filesystem::pa
                    {{"base", LdapScope::base}, {"one", LdapScope::one}, {"sub", LdapScope::subtree}});
     options.bindDn = section.text("bind_dn");
     options.password = section.text("password");
-    section.attributes("name_attributes", options.nameAttributes);
-    section.attributes("number_attributes", options.numberAttributes);
-    options.nameFilter = section.filter("name_filter");
-    options.numberFilter = section.filter("number_filter");
+    LdapSchema schema = LdapSchema::none;
+    section.choice("schema", schema,
+                   {{"inetorgperson", LdapSchema::inetOrgPerson}, {"enterprise", LdapSchema::enterprise}});
+    LdapSchemaAttributes attributes = attributesOf(schema);
+    options.nameAttributes = std::move(attributes.names);
+    options.numberAttributes = std::move(attributes.numbers);
+    options.detailAttributes = std::move(attributes.details);
+    readAttributes(section, "name_attributes", options.nameAttributes);
+    readAttributes(section, "number_attributes", options.numberAttributes);
+    readAttributes(section, "detail_attributes", options.detailAttributes);
+    options.nameFilter = readFilter(section, "name_filter");
+    options.numberFilter = readFilter(section, "number_filter");
     options.sizeLimit = section.number("size_limit", options.sizeLimit, 0, 10'000);
     readLimits(section, options.limits);
     options.timeLimit = std::chrono::milliseconds(

@@ -2,10 +2,12 @@
 
 #include "tools/wideseek/ExitCode.h"
 #include "tools/wideseek/PhoneArguments.h"
+#include "tools/wideseek/check/PhoneCheck.h"
 #include "tools/wideseek/check/SourceListCheck.h"
 
 #include <filesystem>
 #include <iostream>
+#include <optional>
 
 namespace wideseek {
 
@@ -15,19 +17,28 @@ constexpr int unreadable = 2;
 
 } // namespace
 
-int checkFile(const CheckArguments& arguments) {
-    const std::filesystem::path file =
-        arguments.file.empty() ? sourceListOf(phoneRootOf(arguments.root)) : std::filesystem::path(arguments.file);
-    const SourceListReport report = checkSourceList(file);
+int check(const CheckArguments& arguments) {
+    const bool wholePhone = arguments.file.empty();
+    const std::filesystem::path root = phoneRootOf(arguments.root);
+    const SourceListReport list =
+        checkSourceList(wholePhone ? sourceListOf(root) : std::filesystem::path(arguments.file));
+    const auto phone = wholePhone ? std::optional(checkPhone(root, list, arguments.network)) : std::nullopt;
     if (arguments.json) {
-        printReportJson(std::cout, report);
+        Json object = jsonOf(list);
+        if (phone) {
+            addJson(object, *phone);
+        }
+        printJsonLine(std::cout, object);
     } else {
-        printReport(report.problem ? std::cerr : std::cout, report);
+        printReport(list.problem ? std::cerr : std::cout, list);
+        if (phone) {
+            printPhoneReport(std::cout, *phone);
+        }
     }
-    if (report.problem) {
+    if (list.problem) {
         return unreadable;
     }
-    return report.hasWarnings() ? exitCode::failure : exitCode::success;
+    return list.hasWarnings() || (phone && !phone->findings.empty()) ? exitCode::failure : exitCode::success;
 }
 
 } // namespace wideseek

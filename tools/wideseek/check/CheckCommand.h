@@ -1,4 +1,4 @@
-// wideseek check: explains a source list.
+// wideseek check: explains a source list, and looks through the phone that it belongs to.
 #pragma once
 
 #include <string>
@@ -6,12 +6,13 @@
 namespace wideseek {
 
 struct CheckArguments {
-    std::string file; // empty: the one of the phone's root
-    std::string root; // empty: the default
+    std::string file;    // a source list, which alone is looked at; empty: the whole phone
+    std::string root;    // empty: the default
+    bool network = true; // false: no server is asked
     bool json = false;
 };
 
 // Gives the exit code.
-int checkFile(const CheckArguments& arguments);
+int check(const CheckArguments& arguments);
 
 } // namespace wideseek

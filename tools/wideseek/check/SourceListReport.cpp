@@ -1,6 +1,5 @@
 #include "tools/wideseek/check/SourceListReport.h"
 
-#include "tools/wideseek/JsonLine.h"
 #include "tools/wideseek/Text.h"
 
 #include <algorithm>
@@ -96,7 +95,7 @@ void printReport(std::ostream& out, const SourceListReport& report) {
     }
 }
 
-void printReportJson(std::ostream& out, const SourceListReport& report) {
+Json jsonOf(const SourceListReport& report) {
     Json object = {{"file", report.file},
                    {"error", nullptr},
                    {"asked", jsonOf(report.asked)},
@@ -107,7 +106,7 @@ void printReportJson(std::ostream& out, const SourceListReport& report) {
         const FileProblem& problem = *report.problem;
         object["error"] = {{"line", problem.at.line}, {"column", problem.at.column}, {"message", problem.message}};
     }
-    printJsonLine(out, object);
+    return object;
 }
 
 } // namespace wideseek

@@ -1,6 +1,7 @@
 // What there is to say about a source list, and how people and scripts read it.
 #pragma once
 
+#include "tools/wideseek/JsonLine.h"
 #include "tools/wideseek/check/SourceListFile.h"
 
 #include <optional>
@@ -45,7 +46,7 @@ std::vector<std::string> warningsOf(const SourceListReport& report);
 // The sources in two tables, then "FILE:LINE: warning: ..." for each finding.
 void printReport(std::ostream& out, const SourceListReport& report);
 
-// One JSON object on one line. Bytes that are not UTF-8 become U+FFFD.
-void printReportJson(std::ostream& out, const SourceListReport& report);
+// The same for scripts.
+Json jsonOf(const SourceListReport& report);
 
 } // namespace wideseek

@@ -26,13 +26,13 @@ constexpr KnownId knownIds[] = {
     {"BroadSoft_UC_search", host::sourceName::presence},
 };
 
-std::string_view nameOf(std::string_view id) {
+} // namespace
+
+std::string_view sourceNameOf(std::string_view id) {
     const auto known =
         std::find_if(std::begin(knownIds), std::end(knownIds), [&](const KnownId& each) { return each.id == id; });
     return known == std::end(knownIds) ? std::string_view() : known->name;
 }
-
-} // namespace
 
 std::vector<EnabledSource> enabledSources() {
     NS_WS::WideseekCfgListData list;
@@ -42,7 +42,7 @@ std::vector<EnabledSource> enabledSources() {
     }
     std::vector<EnabledSource> sources;
     for (const NS_WS::WideseekCfgItemData& item : list.listItem) {
-        const std::string_view name = nameOf(item.strIdName);
+        const std::string_view name = sourceNameOf(item.strIdName);
         const auto before = std::count_if(sources.begin(), sources.end(),
                                           [&](const EnabledSource& other) { return other.name == name; });
         sources.push_back({item.strDisplayName.empty() ? item.strIdName : item.strDisplayName, name,

@@ -21,4 +21,7 @@ struct EnabledSource {
 
 std::vector<EnabledSource> enabledSources();
 
+// What reports call the source with this id of the source list; empty: no source has it.
+std::string_view sourceNameOf(std::string_view id);
+
 } // namespace wideseek

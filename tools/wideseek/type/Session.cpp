@@ -5,6 +5,7 @@
 #include "tools/wideseek/PhoneArguments.h"
 #include "tools/wideseek/Text.h"
 
+#include <iostream>
 #include <stdexcept>
 #include <utility>
 
@@ -16,6 +17,8 @@ using Milliseconds = std::chrono::duration<double, std::milli>;
 
 // The first key has the sources read their files, and large ones take some seconds on a busy machine.
 constexpr auto firstPageBound = std::chrono::seconds(30);
+constexpr auto unnoticed = std::chrono::seconds(1);
+constexpr auto firstContactsBound = std::chrono::minutes(10);
 
 } // namespace
 
@@ -29,6 +32,18 @@ Session::Session(host::PhoneOptions options, PageHandler onPage)
 
 Session::~Session() {
     Wideseek_ResetCallBack(&m_screen);
+}
+
+void Session::awaitContacts() {
+    const auto isThere = [this] {
+        const auto remote = m_phone.remoteDirectory();
+        return interruptedBy() || !remote || remote->hasContacts || remote->refreshes > 0;
+    };
+    if (!m_phone.kernel().serveMain(isThere, unnoticed)) {
+        std::cerr << "wideseek: the contacts of the remote directory are being fetched for the first time ..."
+                  << std::endl;
+        m_phone.kernel().serveMain(isThere, firstContactsBound);
+    }
 }
 
 Outcome Session::type(const std::string& key, int from, int count) {

@@ -42,6 +42,10 @@ public:
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
+    // Waits for the contacts of a remote directory that has none yet, until its first refresh is over; says so when
+    // that takes long. The user may interrupt it.
+    void awaitContacts();
+
     // Hands key over and waits for its first page. Throws std::runtime_error when the library does not take it.
     Outcome type(const std::string& key, int from, int count);
 

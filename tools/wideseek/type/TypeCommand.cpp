@@ -57,6 +57,7 @@ int typeKeys(const TypeArguments& arguments) {
         }
         std::cout.flush();
     });
+    session.awaitContacts();
     bool succeeded = true;
     for (std::size_t i = 0; i < arguments.keys.size() && !interruptedBy(); ++i) {
         if (i > 0 && arguments.pause > 0) {

@@ -31,8 +31,7 @@ std::string resultOf(const SourceTrace& source) {
     if (source.failed) {
         return "failed after " + time; // why stands among the problems
     }
-    return std::to_string(source.contacts) + " found, " + time +
-           (source.problem.empty() ? "" : ", cut short: " + source.problem);
+    return std::to_string(source.contacts) + " found, " + time + (source.problem.empty() ? "" : ": " + source.problem);
 }
 
 // "+442079460041 (work)"

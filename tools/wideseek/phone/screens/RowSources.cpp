@@ -52,7 +52,7 @@ const std::vector<std::string>& RowSources::of(const std::vector<WideseekItemDat
 
 const EnabledSource* serverAmong(const std::vector<EnabledSource>& sources, const host::Phone& phone) {
     const auto server = std::find_if(sources.begin(), sources.end(), [&](const EnabledSource& source) {
-        return source.name == host::sourceName::ldap && !phone.lookup(source.name);
+        return source.name == host::sourceName::ldap && phone.asksLdapServer();
     });
     return server == sources.end() ? nullptr : &*server;
 }
