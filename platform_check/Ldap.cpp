@@ -173,7 +173,8 @@ constexpr Check checks[] = {
     {"askers are apart", "Ldap_SearchAsync", "Ldap.h", "The key that the query was made with, unchanged.",
      "the search and the phone's other screens may ask at the same time", askersAreApart},
     {"closed askers are forgotten", "Ldap_SearchAsync", "MsgQueueHelper.h",
-     "Removes every message that is queued for this object, timer expiries and answers of asynchronous queries included",
+     "Removes every message that is queued for this object, timer expiries and answers of asynchronous queries "
+     "included",
      "the search may end while LDAP is asked", closedAskersAreForgotten},
     {"answers come on the thread", "Ldap_SearchAsync", "Ldap.h",
      "as a CLdapAction at pCallback->OnTaskActionCallback on the thread pThread, null meaning the phone's main thread",

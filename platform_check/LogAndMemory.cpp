@@ -86,9 +86,9 @@ void memoryIsGivenAndTakenBack(Trial& trial) {
 }
 
 void noMemoryIsNull(Trial& trial) {
-    constexpr std::size_t tooMuch = std::numeric_limits<std::size_t>::max() / 2;
+    const volatile std::size_t tooMuch = std::numeric_limits<std::size_t>::max() - 4096; // a compiler would warn of it
     void* block = ::operator new(tooMuch, __FILE__, __LINE__);
-    trial.expect(block == nullptr, "%zu bytes, which no phone has, gave a block", tooMuch);
+    trial.expect(block == nullptr, "%zu bytes, which no phone has, gave a block", std::size_t(tooMuch));
 }
 
 void deleteIgnoresNull(Trial&) {
@@ -138,12 +138,11 @@ constexpr Check checks[] = {
     {"an absent setting is -1", "configParser_GetConfigInt", "ConfigParser.h",
      "-1 for a key that is absent or whose value is no integer",
      "an empty key offers the recent calls only where that is switched on", absentKeyIsMinusOne},
-    {"a folder has no path", "SystemFile_GetRealPath", "SystemFile.h",
-     "Empty for what is there and is no regular file",
+    {"a folder has no path", "SystemFile_GetRealPath", "SystemFile.h", "Empty for what is there and is no regular file",
      "reading the source list comes to an end whatever stands in its place", folderHasNoPath},
     {"an absent file has a path", "SystemFile_GetRealPath", "SystemFile.h",
-     "where nothing is there, the path at which a file would be",
-     "a source list that appears later is found", absentFileHasPath},
+     "where nothing is there, the path at which a file would be", "a source list that appears later is found",
+     absentFileHasPath},
     {"memory is given and taken back", "operator new(size, file, line)", "TrackedMemory.h",
      "A block from this operator new is given back with the operator delete of the same form",
      "pages, buckets and the search itself live in these blocks", memoryIsGivenAndTakenBack},
@@ -154,8 +153,9 @@ constexpr Check checks[] = {
     {"a lock is recursive", "chCriticalSection::Lock", "BaseHelper.h",
      "the thread that holds it may lock it again and unlocks it as often as it locked it",
      "a search that comes back to its own lock goes on", lockIsRecursive},
-    {"a lock keeps others out", "chCriticalSection::Lock", "BaseHelper.h", "Waits until no other thread holds the lock.",
-     "requests and pages change hands between threads whole", lockExcludes},
+    {"a lock keeps others out", "chCriticalSection::Lock", "BaseHelper.h",
+     "Waits until no other thread holds the lock.", "requests and pages change hands between threads whole",
+     lockExcludes},
 };
 
 } // namespace

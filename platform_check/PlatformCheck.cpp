@@ -15,8 +15,8 @@ namespace platform_check {
 namespace {
 
 // By name, because naming a group itself would link it.
-constexpr std::array groupNames = {"log and memory", "strings", "messages and threads", "timers", "tasks",
-                                   "sources",        "LDAP",    "presence"};
+constexpr std::array groupNames = {"log and memory", "strings", "messages and threads", "timers", "tasks", "sources",
+                                   "LDAP",           "presence"};
 
 bool isNamed(std::initializer_list<const Group*> groups, std::string_view name) {
     return std::any_of(groups.begin(), groups.end(), [name](const Group* group) { return group->name == name; });

@@ -1,6 +1,6 @@
 // Does a phone keep the rules of platform/? A program of the porter's, linked with the phone's own functions and with
-// libwideseek_platform_check.a, asks for groups of checks and hears which rule is broken, what was seen, and what of the
-// search would break by it. Nothing else is needed: no test framework, no exceptions, no type information, not even
+// libwideseek_platform_check.a, asks for groups of checks and hears which rule is broken, what was seen, and what of
+// the search would break by it. Nothing else is needed: no test framework, no exceptions, no type information, not even
 // libWideseek.so.
 //
 //     int main() {
@@ -51,8 +51,8 @@ struct Phone {
 // does not have is skipped, with the reason. Gives the number of failed checks, at most 100: an exit status.
 //
 // To be called on the phone's main thread, with the phone up and no search running, once at a time. It takes about a
-// second. A crash in a check (SIGSEGV, SIGABRT and their like) is reported as its failure and ends the program with exit
-// status 1.
+// second. A crash in a check (SIGSEGV, SIGABRT and their like) is reported as its failure and ends the program with
+// exit status 1.
 int run(std::initializer_list<const Group*> groups, const Phone& phone = Phone());
 
 // All groups, for a phone that is complete.

@@ -85,9 +85,10 @@ void buddiesMatchTheirKey(Trial& trial) {
         const std::string key = keyOf(typed);
         for (const int id : buddiesFor(*manager, key)) {
             PresenceInfo info;
-            trial.expect(!detail(*manager, id, info) || isFound(info.strName, numbersOf(info), key),
-                         "buddy %d, \"%s\", was listed for the key \"%s\", which the match function does not find in it",
-                         id, info.strName.c_str(), key.c_str());
+            trial.expect(
+                !detail(*manager, id, info) || isFound(info.strName, numbersOf(info), key),
+                "buddy %d, \"%s\", was listed for the key \"%s\", which the match function does not find in it", id,
+                info.strName.c_str(), key.c_str());
         }
     }
 }
@@ -105,8 +106,7 @@ void longerKeysListLess(Trial& trial) {
             for (const int id : longer) {
                 trial.expect(std::find(shorter.begin(), shorter.end(), id) != shorter.end() ||
                                  key.rfind(shorterKey, 0) != 0,
-                             "buddy %d was listed for \"%s\", and not for \"%s\"", id, key.c_str(),
-                             shorterKey.c_str());
+                             "buddy %d was listed for \"%s\", and not for \"%s\"", id, key.c_str(), shorterKey.c_str());
             }
             shorter.swap(longer);
             shorterKey = key;

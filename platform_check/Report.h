@@ -3,9 +3,9 @@
 
 #include "platform_check/Check.h"
 
+#include <array>
 #include <condition_variable>
 #include <csignal>
-#include <array>
 #include <mutex>
 #include <string>
 #include <thread>

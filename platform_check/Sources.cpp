@@ -180,7 +180,8 @@ void slicesFitTogether(Trial& trial) {
     }
     const Calls behind = recent(INT_MAX, INT_MAX);
     trial.expect(behind.numbers.empty() && behind.available == whole.available,
-                 "behind the last call came %zu calls, and %d as their number", behind.numbers.size(), behind.available);
+                 "behind the last call came %zu calls, and %d as their number", behind.numbers.size(),
+                 behind.available);
 }
 
 void negativeSlicesFail(Trial& trial) {
@@ -198,13 +199,15 @@ constexpr Check checks[] = {
      "a query for a longer key finds a part of what a query for its beginning found",
      "a longer key is answered from the rows at hand, and shows what a fresh search would", longerKeysFindLess},
     {"contacts are found", "the four queries", "Directory.h",
-     "a key of keypad digits is looked for in the numbers (without \"+\") and in the keypad form of the name, any other "
+     "a key of keypad digits is looked for in the numbers (without \"+\") and in the keypad form of the name, any "
+     "other "
      "key in the name",
      "what is typed finds whom it means", contactsAreFound},
     {"contacts are appended", "the four queries", "Directory.h", "append the matching contacts to its listResult",
      "nothing that was found is lost", contactsAreAppended},
     {"slices of the recent calls fit together", "Directory_SearchCallLogRecentOutCall", "Directory.h",
-     "Appends the outgoing calls with index iFromIndex to iFromIndex + iSearchCount - 1, newest first, to vecItem, fewer "
+     "Appends the outgoing calls with index iFromIndex to iFromIndex + iSearchCount - 1, newest first, to vecItem, "
+     "fewer "
      "when there are not so many.",
      "scrolling through the recent calls shows each once", slicesFitTogether},
     {"negative slices fail", "Directory_SearchCallLogRecentOutCall", "Directory.h", "Negative arguments are a failure.",

@@ -26,14 +26,43 @@ bool knowsLettersBeyondAscii() {
 constexpr const char* asciiOnly = "the phone folds the letters of ASCII alone";
 
 const std::string typedKeys[] = {
-    "",        " ",           "  Ann  Lee ", "ANN",        "o'neil",          "Ann-Marie",
-    "53-01",   "(020) 7946",  "+44 20 7946", "++44",       "*21#",            "5 3 . 0",
-    "a1b2",    "-",           "+",           "()",         "Z\xC3\xBCrich",   "STRA\xC3\x9F" "E",
-    "\xC4\xB0", "\xEF\xBC\x95", "\xFF\xFE",   "a\xC3",      "\xE2\x80\x8F" "a", std::string("a\0b", 3),
+    "",
+    " ",
+    "  Ann  Lee ",
+    "ANN",
+    "o'neil",
+    "Ann-Marie",
+    "53-01",
+    "(020) 7946",
+    "+44 20 7946",
+    "++44",
+    "*21#",
+    "5 3 . 0",
+    "a1b2",
+    "-",
+    "+",
+    "()",
+    "Z\xC3\xBCrich",
+    "STRA\xC3\x9F"
+    "E",
+    "\xC4\xB0",
+    "\xEF\xBC\x95",
+    "\xFF\xFE",
+    "a\xC3",
+    "\xE2\x80\x8F"
+    "a",
+    std::string("a\0b", 3),
 };
 
-const std::string names[] = {"Ann-Marie O'Neil", "Ann Lee", "jed FOX 2", "Lee, Ann (home)", "\xC3\x85ke \xC3\x96rn",
-                             "M\xC3\xBCller", "5 Star Taxi", "A", "\xE7\x8E\x8B\xE5\xB0\x8F\xE6\x98\x8E"};
+const std::string names[] = {"Ann-Marie O'Neil",
+                             "Ann Lee",
+                             "jed FOX 2",
+                             "Lee, Ann (home)",
+                             "\xC3\x85ke \xC3\x96rn",
+                             "M\xC3\xBCller",
+                             "5 Star Taxi",
+                             "A",
+                             "\xE7\x8E\x8B\xE5\xB0\x8F\xE6\x98\x8E"};
 
 void convertingTwiceChangesNothing(Trial& trial) {
     for (const std::string& typed : typedKeys) {
@@ -59,8 +88,8 @@ void expectConversions(Trial& trial, std::initializer_list<Conversion> conversio
 }
 
 void keysAreFolded(Trial& trial) {
-    trial.expect(keyOf("ANN") == keyOf("ann"), "\"ANN\" became \"%s\", \"ann\" became \"%s\"",
-                 keyOf("ANN").c_str(), keyOf("ann").c_str());
+    trial.expect(keyOf("ANN") == keyOf("ann"), "\"ANN\" became \"%s\", \"ann\" became \"%s\"", keyOf("ANN").c_str(),
+                 keyOf("ann").c_str());
     expectConversions(trial, {{" 53 ", "53"}, {"", ""}, {"  ", ""}, {"*21#", "*21#"}});
 }
 
@@ -154,8 +183,8 @@ void longerKeysMatchLess(Trial& trial) {
 
 void namesMatchThemselves(Trial& trial) {
     for (const std::string& name : names) {
-        trial.expect(matches(name, keyOf(name)), "the name %s is not matched by itself, typed as \"%s\"",
-                     name.c_str(), keyOf(name).c_str());
+        trial.expect(matches(name, keyOf(name)), "the name %s is not matched by itself, typed as \"%s\"", name.c_str(),
+                     keyOf(name).c_str());
         const std::string form = CommonUnits_ToKeyString(name);
         const std::string digits = form.substr(0, form.find(' '));
         for (std::size_t length = 1; length <= digits.size(); ++length) {
@@ -171,9 +200,9 @@ void lettersBecomeDigits(Trial& trial) {
         const char* name;
         const char* form;
     };
-    for (const Case& each : {Case{"Ann-Marie O'Neil", "2666274366345 "},
-                             Case{"abcdefghijklmnopqrstuvwxyz", "22233344455566677778889999 "},
-                             Case{"5 Star *1#", "57827*1# "}}) {
+    for (const Case& each :
+         {Case{"Ann-Marie O'Neil", "2666274366345 "}, Case{"abcdefghijklmnopqrstuvwxyz", "22233344455566677778889999 "},
+          Case{"5 Star *1#", "57827*1# "}}) {
         const std::string form = CommonUnits_ToKeyString(each.name);
         trial.expect(form == each.form, "\"%s\" became \"%s\" in place of \"%s\"", each.name, form.c_str(), each.form);
     }
@@ -220,14 +249,15 @@ void negativeBoundsAreRefused(Trial& trial) {
 constexpr Check checks[] = {
     {"converting twice changes nothing", "CommonAPI_StringConvert", "CommonAPI.h",
      "Converting a converted key changes nothing.",
-     "a late LDAP answer is taken for the key it was asked for, which is converted again", convertingTwiceChangesNothing},
+     "a late LDAP answer is taken for the key it was asked for, which is converted again",
+     convertingTwiceChangesNothing},
     {"keys are folded", "CommonAPI_StringConvert", "CommonAPI.h",
      "letter case and width are folded (full width digits and letters become ASCII), blanks at both ends are trimmed",
      "a key finds the same however it is typed", keysAreFolded},
     {"numbers are typed with or without dashes", "CommonAPI_StringConvert", "CommonAPI.h",
      "all but the digits, \"*\" and \"#\" is dropped", "a number is found however it is written", numbersAreBare},
-    {"full width is folded", "CommonAPI_StringConvert", "CommonAPI.h",
-     "full width digits and letters become ASCII", "a key finds the same however it is typed", widthIsFolded},
+    {"full width is folded", "CommonAPI_StringConvert", "CommonAPI.h", "full width digits and letters become ASCII",
+     "a key finds the same however it is typed", widthIsFolded},
     {"digits are keypad keys", "CommonAPI_IsSearchByT9", "CommonAPI.h",
      "it is not empty and consists of digits, \"*\" and \"#\" only",
      "digits look through numbers and keypad forms, text through names", digitsAreKeypadKeys},

@@ -202,51 +202,48 @@ void orderIsKept(Trial& trial) {
     }
 }
 
-// A receiver is called after its sender has gone on, and keeps no sender waiting; it gives up after a while.
-void postingDoesNotWait(Trial& trial) {
+void waitFor(const std::atomic<bool>& posted) {
+    const auto latest = std::chrono::steady_clock::now() + std::chrono::milliseconds(300);
+    while (!posted && std::chrono::steady_clock::now() < latest) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+}
+
+void postingCallsNothingBack(Trial& trial) {
     std::atomic<bool> posted = false;
     std::atomic<bool> within = false;
     SearchReceiver receiver;
-    receiver.received = [&](CTaskAction*) {
-        within = !posted;
-        const auto latest = std::chrono::steady_clock::now() + std::chrono::milliseconds(300);
-        while (!posted && std::chrono::steady_clock::now() < latest) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        }
-    };
-    {
-        Busy busy(trial);
-        receiver.post(trial);
-        posted = true;
-        busy.end();
+    receiver.received = [&](CTaskAction*) { within = !posted; };
+    Busy busy(trial);
+    receiver.post(trial);
+    posted = true;
+    busy.end();
+    if (trial.expect(trial.workUntil([&] { return receiver.count == 1; }), "a posted action did not arrive")) {
+        trial.expect(!within, "the receiver was called before SendMessageToCallingThread had returned");
     }
-    if (!trial.expect(trial.workUntil([&] { return receiver.count == 1; }), "a posted action did not arrive")) {
+}
+
+// A receiver is at work until the next message for it has been posted; it gives up after a while.
+void postingDoesNotWait(Trial& trial) {
+    if (!hasSearchThread(trial)) {
         return;
     }
-    trial.expect(!within, "the receiver was called before SendMessageToCallingThread had returned");
-
-    // And while the receiver is at work.
-    posted = false;
     std::atomic<bool> atWork = false;
+    std::atomic<bool> posted = false;
     std::atomic<bool> waited = false;
+    SearchReceiver receiver;
     receiver.received = [&](CTaskAction*) {
-        if (atWork.exchange(true)) {
-            return;
+        if (!atWork.exchange(true)) {
+            waitFor(posted);
+            waited = !posted;
         }
-        const auto latest = std::chrono::steady_clock::now() + std::chrono::milliseconds(300);
-        while (!posted && std::chrono::steady_clock::now() < latest) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        }
-        waited = !posted;
     };
-    if (hasSearchThread(trial)) {
-        receiver.post(trial);
-        trial.workUntil([&] { return atWork.load(); });
-        receiver.post(trial);
-        posted = true;
-        trial.workUntil([&] { return receiver.count == 3; });
-        trial.expect(!waited, "posting waited until the receiver's handler had returned");
-    }
+    receiver.post(trial);
+    trial.expect(trial.workUntil([&] { return atWork.load(); }), "a posted action did not arrive");
+    receiver.post(trial);
+    posted = true;
+    trial.workUntil([&] { return receiver.count == 2; });
+    trial.expect(!waited, "posting waited until the receiver's handler had returned");
 }
 
 void postedPagesAreHeld(Trial& trial) {
@@ -360,7 +357,8 @@ void timersRunOnTheirThread(Trial& trial) {
     if (trial.expect(trial.workUntil([&] { return receiver.count > 0; }), "no expiry came")) {
         timer.KillTimer();
         trial.work(2);
-        trial.expect(executedOn.load() == expiredOn.load(), "a timer of an object of the search thread expired elsewhere");
+        trial.expect(executedOn.load() == expiredOn.load(),
+                     "a timer of an object of the search thread expired elsewhere");
     }
 }
 
@@ -397,16 +395,20 @@ constexpr Check checks[] = {
     {"order is kept", "CTaskActionCallbackBase::SendMessageToCallingThread", "MsgQueueHelper.h",
      "One thread works one message at a time, in order of due time and, for equal times, of posting.",
      "the newest page is the last one to come", orderIsKept},
+    {"posting calls nothing back", "CTaskActionCallbackBase::SendMessageToCallingThread", "TaskAction.h",
+     "it never waits for the receiver and calls nothing back, so a caller may hold locks",
+     "the search posts pages with a lock held that a screen's own calls take", postingCallsNothingBack},
     {"posting never waits", "CTaskActionCallbackBase::SendMessageToCallingThread", "TaskAction.h",
      "it never waits for the receiver and calls nothing back, so a caller may hold locks",
-     "a key is answered at once; the search posts with a lock held that screens take", postingDoesNotWait},
+     "a search does not wait until a screen has drawn its page", postingDoesNotWait},
     {"posted actions hold their reference", "CTaskActionCallbackBase::SendMessageToCallingThread", "TaskAction.h",
      "Holds a reference on pAction until OnTaskActionCallback has returned or the message has been withdrawn.",
      "a page is there until its screen has shown it, and no longer", postedPagesAreHeld},
-    {"null is not posted", "CTaskActionCallbackBase::SendMessageToCallingThread", "TaskAction.h", "Does nothing for null",
-     "a page that there was no memory for is not shown", nullIsNotPosted},
+    {"null is not posted", "CTaskActionCallbackBase::SendMessageToCallingThread", "TaskAction.h",
+     "Does nothing for null", "a page that there was no memory for is not shown", nullIsNotPosted},
     {"withdrawal removes", "chMsgProcesser::WithdrawMessages", "MsgQueueHelper.h",
-     "Nothing is delivered to the object afterwards", "a screen that has closed gets no page", withdrawnMessagesAreGone},
+     "Nothing is delivered to the object afterwards", "a screen that has closed gets no page",
+     withdrawnMessagesAreGone},
     {"withdrawal waits", "chMsgProcesser::WithdrawMessages", "MsgQueueHelper.h",
      "waits for a message for it that is running on another thread",
      "the search is destroyed when nothing works in it any more", withdrawalWaits},

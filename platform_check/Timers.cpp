@@ -234,7 +234,8 @@ constexpr Check checks[] = {
      "Non-zero: the message is dealt with.",
      "a phone's own screens may look at every message", receiversAreOfferedFirst},
     {"withdrawal silences timers", "chMsgProcesser::WithdrawMessages", "MsgQueueHelper.h",
-     "Removes every message that is queued for this object, timer expiries and answers of asynchronous queries included",
+     "Removes every message that is queued for this object, timer expiries and answers of asynchronous queries "
+     "included",
      "the search ends although its timer is set", withdrawnTimersAreSilent},
     {"a handler may withdraw", "chMsgProcesser::WithdrawMessages", "MsgQueueHelper.h",
      "waits for a message for it that is running on another thread", "a screen may close itself when a page comes",
