@@ -11,8 +11,15 @@ set(caller_headers modWideseek WideseekAction WideseekBucket WideseekCBData Wide
                    WideseekFilterWalk WideseekPage WideseekRequest
                    WideseekExport OxContainer)
 
-target_include_directories(Wideseek INTERFACE "$<INSTALL_INTERFACE:${include_dir}>")
-install(TARGETS Wideseek EXPORT WideseekTargets LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+set_target_properties(wideseek_platform_check PROPERTIES EXPORT_NAME PlatformCheck)
+foreach(library IN ITEMS Wideseek wideseek_platform_check)
+  target_include_directories(${library} INTERFACE "$<INSTALL_INTERFACE:${include_dir}>")
+  install(
+    TARGETS ${library}
+    EXPORT WideseekTargets
+    LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+    ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+endforeach()
 install(EXPORT WideseekTargets NAMESPACE Wideseek:: DESTINATION "${package_dir}")
 
 list(TRANSFORM caller_headers PREPEND "${PROJECT_SOURCE_DIR}/${module_dir}/")
@@ -20,6 +27,7 @@ list(TRANSFORM caller_headers APPEND ".h")
 install(FILES ${caller_headers} DESTINATION "${include_dir}/${module_dir}")
 file(GLOB platform_headers CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/platform/*.h")
 install(FILES ${platform_headers} DESTINATION "${include_dir}/platform")
+install(FILES "${PROJECT_SOURCE_DIR}/platform_check/PlatformCheck.h" DESTINATION "${include_dir}/platform_check")
 
 write_basic_package_version_file("${PROJECT_BINARY_DIR}/package/WideseekConfigVersion.cmake"
                                  COMPATIBILITY SameMajorVersion)
@@ -33,5 +41,7 @@ install(FILES "${PROJECT_BINARY_DIR}/package/WideseekConfig.cmake"
 set(pkgconfig_dir "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX BASE_DIRECTORY "${CMAKE_INSTALL_PREFIX}/${pkgconfig_dir}"
            OUTPUT_VARIABLE way_to_prefix)
-configure_file("${PROJECT_SOURCE_DIR}/cmake/wideseek.pc.in" "${PROJECT_BINARY_DIR}/package/wideseek.pc" @ONLY)
-install(FILES "${PROJECT_BINARY_DIR}/package/wideseek.pc" DESTINATION "${pkgconfig_dir}")
+foreach(package IN ITEMS wideseek wideseek-platform-check)
+  configure_file("${PROJECT_SOURCE_DIR}/cmake/${package}.pc.in" "${PROJECT_BINARY_DIR}/package/${package}.pc" @ONLY)
+  install(FILES "${PROJECT_BINARY_DIR}/package/${package}.pc" DESTINATION "${pkgconfig_dir}")
+endforeach()

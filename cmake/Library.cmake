@@ -23,4 +23,3 @@ add_custom_command(
   COMMAND "${CMAKE_COMMAND}" "-DSTRIP=${CMAKE_STRIP}" "-DLIBRARY=$<TARGET_FILE:Wideseek>" -P
           "${PROJECT_SOURCE_DIR}/cmake/PrintStrippedSize.cmake"
   VERBATIM)
-include(Install)

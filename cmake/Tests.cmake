@@ -43,3 +43,10 @@ foreach(check IN LISTS checks)
     PROPERTIES ENVIRONMENT "WIDESEEK_TOOL=$<TARGET_FILE:wideseek>;WIDESEEK_BUILD=${PROJECT_BINARY_DIR}"
                WORKING_DIRECTORY "${PROJECT_SOURCE_DIR}" TIMEOUT 300 COST 20) # the longest ones first
 endforeach()
+
+# The workstation phone under the platform check, with faults on demand. Its definitions stand before the phone's own.
+file(GLOB sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/tests/platform/*.cpp")
+add_executable(wideseek_platform_tests ${sources})
+target_compile_definitions(wideseek_platform_tests PRIVATE WIDESEEK_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
+target_link_libraries(wideseek_platform_tests PRIVATE wideseek_settings wideseek_platform_check wideseek_host
+                                                      ${CMAKE_DL_LIBS})

@@ -39,10 +39,10 @@ private:
 // Starts a query for the people that match strKey and returns at once: a key of digits is looked for in their numbers,
 // any other key in their names. iFromIndex is a hint at which row of the result will be looked at first and never hides
 // rows; at most iMaxCount people are asked for. The answer arrives later, exactly once, as a CLdapAction at
-// pCallback->OnTaskActionCallback on the thread pThread; a directory that cannot be reached or does not answer in time
-// is an answer with a result code other than 0. A newer query for the same callback object abandons the older one,
-// which then gives no answer at all, and so does the destruction of the callback object. The answer is never delivered
-// from within this call. Non-zero: the query was started; zero: it was not, and the answer says so too, unless there is
-// no memory even for that. Any thread.
+// pCallback->OnTaskActionCallback on the thread pThread, null meaning the phone's main thread; a directory that cannot
+// be reached or does not answer in time is an answer with a result code other than 0. A newer query for the same
+// callback object abandons the older one, which then gives no answer at all, and so does the destruction of the
+// callback object. The answer is never delivered from within this call. Non-zero: the query was started; zero: it was
+// not, and the answer says so too, unless there is no memory even for that. Any thread.
 int Ldap_SearchAsync(const std::string& strKey, int iFromIndex, int iMaxCount,
                      NS_TA::CTaskActionCallbackBase* pCallback, void* pThread);

@@ -42,9 +42,10 @@ public:
 protected:
     // Removes every message that is queued for this object, timer expiries and answers of asynchronous queries
     // included, and waits for a message for it that is running on another thread. Nothing is delivered to the object
-    // afterwards. Needs no memory. The destructor of a class whose members its handlers use calls this first, so that
-    // no handler meets a half destroyed object. Any thread; must not be called with a lock held that a handler of this
-    // object takes.
+    // afterwards: what is posted later is let go of, and a timer that notifies the object stays set, but no expiry of
+    // it comes any more. Needs no memory. The destructor of a class whose members its handlers use calls this first, so
+    // that no handler meets a half destroyed object. Any thread; must not be called with a lock held that a handler of
+    // this object takes.
     void WithdrawMessages();
 
 private:

@@ -1,4 +1,12 @@
 // The phone's presence library: the buddies whose presence the phone shows.
+//
+// The two operations of the manager are virtual: the search calls them through the object that GetInstance gives, and
+// their order in this class is part of the agreement. A phone derives its manager from CPresenceContactManager.
+//
+// What of a buddy's details (PresenceInfo, in WideseekData.h) becomes what of a row: strName its name; strValue of the
+// first three Attributes of type ATTRIBUTE_TYPE_PHONE its numbers, one row for each that is not empty; strInfo1,
+// strInfo2 and iInfo its strExtra1, strExtra2 and iExtra, which a screen gets as they are. The other members are not
+// looked at. A buddy without a name gives no row.
 #pragma once
 
 #include <list>
@@ -41,8 +49,8 @@ public:
     virtual bool GetListByGroupId(ContactBuddyListData* pList, int& iState, int iGroupId, const std::string& strKey,
                                   AttrType eType) = 0;
 
-    // Fills info for the buddy info.iContactId; iFlag is 0. Non-zero: filled; zero: there is no such buddy (any more).
-    // Any thread.
+    // Fills info for the buddy info.iContactId, which stays as it is; iFlag is 0. Non-zero: filled; zero: there is no
+    // such buddy (any more). Any thread.
     virtual int GetContactDetail(PresenceInfo& info, PresenceType eType, int iFlag) = 0;
 
 protected:

@@ -69,7 +69,8 @@ public:
     CTaskAction();
     ~CTaskAction() override;
 
-    // The work itself. True: done. Runs on the thread THREAD_CONTACT_SEARCH.
+    // The work itself. True: done; false: it could not be done. Either way the action is not executed again for this
+    // call of TaskAction_ExecAction: the result is for the phone's log only. Runs on the thread THREAD_CONTACT_SEARCH.
     virtual bool Exec();
 
     // Which kind of action this is: a TaskType, or a number of the phone's own.
@@ -92,5 +93,7 @@ protected:
 
 // Queues pAction for execution on the thread THREAD_CONTACT_SEARCH and returns at once. An action that is queued
 // twice is executed twice. Holds a reference on it until Exec has returned or the phone goes down. Non-zero: queued;
-// zero: not taken (null action, no memory, or the phone is going down). Any thread.
+// zero: not taken (null action, no memory, or the phone is going down). What is not taken is never executed, and no
+// reference on it is kept: whoever asked tells its own caller, as Wideseek_SearchUnion does, and may try again. Any
+// thread.
 int TaskAction_ExecAction(NS_TA::CTaskAction* pAction);

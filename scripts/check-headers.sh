@@ -27,6 +27,7 @@ check_includes() {
 
 check_includes platform "\"platform/[A-Za-z0-9]+\.h\"|$standard"
 check_includes "$module" "\"(platform|$module)/[A-Za-z0-9]+\.h\"|<pugixml\.hpp>|$standard"
+check_includes platform_check "\"((platform|platform_check)/[A-Za-z0-9]+|$shared_records)\.h\"|$standard"
 check_includes host "\"((host|platform)/[A-Za-z0-9/]+|$shared_records)\.h\"|<.*>"
 check_includes tools "\"((tools|host|platform)/[A-Za-z0-9/]+|$for_callers)\.h\"|<.*>"
 
@@ -85,7 +86,7 @@ compile_alone() {
 export -f compile_alone
 
 for compiler in g++ clang++; do
-    find platform app host -name '*.h' -print0 |
+    find platform platform_check app host -name '*.h' -print0 |
         xargs -0 -P "$(nproc)" -I{} bash -c 'compile_alone "$0" "$1"' "$compiler" {} >"$work/$compiler" 2>&1 || failed=yes
     cat "$work/$compiler" >&2
 done

@@ -21,7 +21,8 @@
 #
 # By name only, as it fetches a compiler and an emulator:
 #
-#   arm        everything builds for the 32-bit ARM phone; in qemu, all tests but those with a server
+#   arm        everything builds for the 32-bit ARM phone; in qemu, all tests but those with a server; the smallest phone is
+#              cross-built and runs                           (check-arm-consumer.sh)
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -71,6 +72,7 @@ check_arm() {
     scripts/build.sh arm
     grep 'bytes stripped' build/arm/build.log || true
     ctest --preset arm
+    scripts/check-arm-consumer.sh
 }
 
 run_check() {

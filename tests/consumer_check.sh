@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
 # Builds the library alone, installs it, moves what was installed, and builds the smallest phone against it outside the
-# tree: once found by CMake, once by pkg-config. Both must search, and no header more than wanted may be installed.
+# tree: found by CMake, and by pkg-config in one command, without type information. Both must search, the phone must keep
+# the rules of the contract, a caller under the undefined behaviour sanitizer must run on it, and no header more than
+# wanted may be installed.
 set -euo pipefail
 
 source=$PWD
@@ -32,7 +34,7 @@ prefix=$work/firmware
 module=app/Gui/Logic/Wideseek
 wanted=("$module"/{modWideseek,OxContainer,WideseekAction,WideseekBucket,WideseekCBData,WideseekCfgData}.h
     "$module"/{WideseekController,WideseekData,WideseekExport,WideseekFilterWalk,WideseekPage}.h
-    "$module"/WideseekRequest.h platform/*.h)
+    "$module"/WideseekRequest.h platform/*.h platform_check/PlatformCheck.h)
 diff <(printf '%s\n' "${wanted[@]}" | sort) <(cd "$prefix/include/wideseek" && find . -type f -printf '%P\n' | sort) || {
     echo "consumer_check: other headers are installed (>) than are wanted (<)" >&2
     exit 1
@@ -48,24 +50,60 @@ quietly cmake -G Ninja -S "$example" -B "$work/by-cmake" "-DCMAKE_PREFIX_PATH=$p
     "-DCMAKE_CXX_FLAGS=$flags"
 quietly cmake --build "$work/by-cmake"
 PKG_CONFIG_PATH=$(dirname "$(find "$prefix" -name wideseek.pc)")
-# Words of pkg-config are options of the compiler.
-# shellcheck disable=SC2046
-quietly "$compiler" -std=c++20 $flags -fno-exceptions -o "$work/by-pkg-config" "$example"/*.cpp \
-    $(pkg-config --cflags --libs wideseek)
+read -ra options <<<"-std=c++17 $flags $(pkg-config --cflags --libs wideseek)"
+quietly "$compiler" -fno-exceptions -fno-rtti -o "$work/by-pkg-config" "$example"/*.cpp "${options[@]}"
 
-mkdir -p "$work/config/data"
-echo '<root_wideseek><item id_name="local_directory_search" enable="1" priority="1"/>
-      <item id_name="ldap_search" enable="1" priority="2"/></root_wideseek>' >"$work/config/data/wideseek.xml"
-cd "$work"
 LD_LIBRARY_PATH=$(dirname "$(find "$prefix" -name libWideseek.so)")
 export LD_LIBRARY_PATH
-for phone in by-cmake/smallest_phone ./by-pkg-config; do
-    "$phone" 5 53 530 fox zz >pages
-    diff - pages <<'PAGES' || { echo "consumer_check: $phone finds something else (>) than is there (<)" >&2 && exit 1; }
-5: 2, Ann Lee 5301, Jed Fox 2202
-53: 2, Ann Lee 5301, Jed Fox 2202
-530: 1, Ann Lee 5301
-fox: 1, Jed Fox 2202
-zz: 0
+cd "$example"
+for phone in "$work/by-cmake/smallest_phone" "$work/by-pkg-config"; do
+    "$phone" 5 530 fox zz >"$work/pages"
+    diff - "$work/pages" <<'PAGES' || { echo "consumer_check: $phone finds something else (>) than is there (<)" >&2 && exit 1; }
+typed "5"
+  asked: the local directory for "5"
+  asked: LDAP for "5": it will answer that there is none
+  page for "5": 2 of 2
+    Ann Lee 5301
+    Jed Fox 2202
+typed "530"
+  asked: LDAP for "530": it will answer that there is none
+  page for "530": 1 of 1
+    Ann Lee 5301
+typed "fox"
+  asked: the local directory for "fox"
+  asked: LDAP for "fox": it will answer that there is none
+  page for "fox": 1 of 1
+    Jed Fox 2202
+typed "zz"
+  asked: the local directory for "zz"
+  asked: LDAP for "zz": it will answer that there is none
+  page for "zz": 0 of 0
 PAGES
 done
+
+"$work/by-cmake/smallest_phone_check" >"$work/report" || { cat "$work/report" >&2 && exit 1; }
+grep -q '^platform check: [6-9][0-9] held, 0 failed' "$work/report" || { cat "$work/report" >&2 && exit 1; }
+
+# Such a caller looks at the type of every object that it is given. The phone's objects are those that CMake made.
+cat >"$work/caller.cpp" <<'CALLER'
+#include "app/Gui/Logic/Wideseek/WideseekAction.h"
+#include "app/Gui/Logic/Wideseek/WideseekCBData.h"
+#include "app/Gui/Logic/Wideseek/WideseekController.h"
+#include "app/Gui/Logic/Wideseek/modWideseek.h"
+
+int main() {
+    NS_WS::WideseekCfgListData list;
+    const bool bListed = NS_WS::CWideseekController::GetInstance()->GetEnableCfgList(&list);
+    NS_WS::CWideseekAction* pAction = Wideseek_CreateSearchAction();
+    const bool bEmpty = pAction->GetResultData().listItem.empty();
+    Wideseek_DestroySearchAction(pAction);
+    NS_WS::CWideseekCBData* pPage = Wideseek_CreateSearchCBAction();
+    const bool bPage = pPage->GetTypeId() == NS_WS::CWideseekCBData::TYPE_ID && pPage->GetTotalCount() == 0;
+    Wideseek_DestroySearchCBAction(pPage);
+    NS_WS::CWideseekController::ReleaseInstance();
+    return bListed && bEmpty && bPage ? 0 : 1;
+}
+CALLER
+quietly "$compiler" -fsanitize=undefined -fno-sanitize-recover=all -o "$work/caller" "$work/caller.cpp" \
+    "$work"/by-cmake/CMakeFiles/smallest_phone.dir/{Messaging,Sources}.cpp.o "${options[@]}"
+quietly "$work/caller"

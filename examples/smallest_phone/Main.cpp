@@ -1,12 +1,14 @@
-// The smallest phone that can search: types each of its arguments into a search box and prints the pages that come.
-#include "Messaging.h"
+// The smallest phone that can search: types each of its arguments into a search box, and prints what the phone is asked
+// meanwhile and the pages that come.
+#include "Phone.h"
 
-#include "app/Gui/Logic/Wideseek/WideseekAction.h"
 #include "app/Gui/Logic/Wideseek/WideseekCBData.h"
 #include "app/Gui/Logic/Wideseek/WideseekController.h"
 #include "app/Gui/Logic/Wideseek/modWideseek.h"
 
 #include <cstdio>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -17,14 +19,22 @@ public:
         WithdrawMessages();
     }
 
+    void OnKey(const std::string& strTyped) {
+        std::printf("typed \"%s\"\n", strTyped.c_str());
+        Wideseek_SearchUnion(strTyped, 0, 10, this); // returns at once
+    }
+
     void OnTaskActionCallback(NS_TA::CTaskAction* pAction) override {
         if (pAction->GetTypeId() == NS_WS::CWideseekCBData::TYPE_ID) {
-            const WideseekListData page = static_cast<NS_WS::CWideseekCBData*>(pAction)->GetResultList();
-            std::printf("%s: %d", page.strKey.c_str(), page.iTotalCount);
-            for (const WideseekItemData& row : page.listItem) {
-                std::printf(", %s %s", row.strName.c_str(), row.strNumber.c_str());
-            }
-            std::printf("\n");
+            Show(static_cast<NS_WS::CWideseekCBData*>(pAction)->GetResultList());
+        }
+    }
+
+private:
+    static void Show(const WideseekListData& page) {
+        std::printf("  page for \"%s\": %zu of %d\n", page.strKey.c_str(), page.listItem.size(), page.iTotalCount);
+        for (const WideseekItemData& row : page.listItem) {
+            std::printf("    %s %s\n", row.strName.c_str(), row.strNumber.c_str());
         }
     }
 };
@@ -32,13 +42,18 @@ public:
 } // namespace
 
 int main(int argc, char** argv) {
+    phone::talks = true;
+    std::vector<std::string> keys(argv + 1, argv + argc);
+    if (keys.empty()) {
+        keys = {"5", "53", "530", "fox"};
+    }
     if (!Wideseek_PreInit()) {
         return 1;
     }
     {
         CScreen screen;
-        for (int i = 1; i < argc; ++i) {
-            Wideseek_SearchUnion(argv[i], 0, 10, &screen);
+        for (const std::string& strKey : keys) {
+            screen.OnKey(strKey);
             phone::run();
         }
     }

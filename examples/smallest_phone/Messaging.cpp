@@ -1,7 +1,7 @@
 // The messaging, the task actions, the locks and the memory of the smallest phone: one thread that works one queue. A
 // phone with several threads has a queue for each of them, with a lock, and waits in WithdrawMessages for a message
 // that another thread is working.
-#include "Messaging.h"
+#include "Phone.h"
 
 #include "platform/BaseHelper.h"
 #include "platform/Ldap.h"
@@ -9,38 +9,73 @@
 #include "platform/TaskAction.h"
 #include "platform/TrackedMemory.h"
 
+#include <algorithm>
 #include <chrono>
+#include <cstdarg>
+#include <cstdio>
 #include <functional>
 #include <iterator>
 #include <list>
 #include <memory>
 #include <mutex>
 #include <new>
+#include <string_view>
 #include <thread>
 #include <utility>
+
+namespace ETL_MsgQueueHelper {
+
+// m_pState is null as long as the object takes messages.
+struct chProcesserAccess {
+    static bool isOpen(const chMsgProcesser& receiver) { return receiver.m_pState == nullptr; }
+    static void close(chMsgProcesser& receiver) { receiver.m_pState = &receiver; }
+};
+
+} // namespace ETL_MsgQueueHelper
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
+using ETL_MsgQueueHelper::chMsgProcesser;
+using ETL_MsgQueueHelper::chProcesserAccess;
 
 struct Message {
     Clock::time_point due;
-    const void* receiver; // whoever withdraws it
+    const chMsgProcesser* receiver; // null for the search thread's own work
+    const void* token;              // the timer or query that it comes from
     std::function<void()> work;
 };
 
 std::list<Message> queue; // by due time, then by order of posting
 
-void post(Clock::time_point due, const void* receiver, std::function<void()> work) {
+void post(Message message) {
+    if (message.receiver != nullptr && !chProcesserAccess::isOpen(*message.receiver)) {
+        return;
+    }
     auto place = queue.end();
-    while (place != queue.begin() && std::prev(place)->due > due) {
+    while (place != queue.begin() && std::prev(place)->due > message.due) {
         --place;
     }
-    queue.insert(place, {due, receiver, std::move(work)});
+    queue.insert(place, std::move(message));
 }
 
-void withdraw(const void* receiver) {
-    queue.remove_if([receiver](const Message& message) { return message.receiver == receiver; });
+template <typename Which> void withdraw(const Which& isMeant) {
+    // What a message holds is let go of when the queue is whole again: that may withdraw others.
+    std::list<Message> withdrawn;
+    for (auto each = queue.begin(); each != queue.end();) {
+        const auto next = std::next(each);
+        if (isMeant(*each)) {
+            withdrawn.splice(withdrawn.end(), queue, each);
+        }
+        each = next;
+    }
+}
+
+void workNext() {
+    std::this_thread::sleep_until(queue.front().due);
+    const Message message = std::move(queue.front());
+    queue.pop_front();
+    message.work();
 }
 
 struct GiveUp {
@@ -55,13 +90,38 @@ std::shared_ptr<NS_TA::CTaskAction> referenceOn(NS_TA::CTaskAction* pAction) {
 
 } // namespace
 
+bool phone::talks = false;
+
+void phone::tell(const char* pszFormat, ...) {
+    if (talks) {
+        va_list values;
+        va_start(values, pszFormat);
+        std::printf("  asked: ");
+        std::vprintf(pszFormat, values);
+        std::printf("\n");
+        va_end(values);
+    }
+}
+
 void phone::run() {
     while (!queue.empty()) {
-        std::this_thread::sleep_until(queue.front().due);
-        const Message message = std::move(queue.front());
-        queue.pop_front();
-        message.work();
+        workNext();
     }
+}
+
+void phone::runFor(int milliseconds) {
+    const Clock::time_point end = Clock::now() + std::chrono::milliseconds(milliseconds);
+    while (!queue.empty() && queue.front().due <= end) {
+        workNext();
+    }
+    std::this_thread::sleep_until(end);
+}
+
+void phone::postAnswer(NS_TA::CTaskActionCallbackBase& receiver, NS_TA::CTaskAction* pAnswer) {
+    static const char token = 0; // of all answers
+    withdraw([&](const Message& message) { return message.receiver == &receiver && message.token == &token; });
+    post({Clock::now(), &receiver, &token,
+          [&receiver, reference = referenceOn(pAnswer)] { receiver.OnTaskActionCallback(reference.get()); }});
 }
 
 namespace ETL_MsgQueueHelper {
@@ -70,7 +130,7 @@ chMsgProcesser::chMsgProcesser() : m_pState(nullptr) {
 }
 
 chMsgProcesser::~chMsgProcesser() {
-    withdraw(this);
+    WithdrawMessages();
 }
 
 int chMsgProcesser::TryThreadMessage(msgObject&) {
@@ -78,7 +138,8 @@ int chMsgProcesser::TryThreadMessage(msgObject&) {
 }
 
 void chMsgProcesser::WithdrawMessages() {
-    withdraw(this);
+    chProcesserAccess::close(*this);
+    withdraw([this](const Message& message) { return message.receiver == this; });
 }
 
 // m_pState is whom a running timer notifies.
@@ -95,28 +156,30 @@ bool chThreadTimer::IsTimerRuning() const {
 
 void chThreadTimer::KillTimer() {
     m_pState = nullptr;
-    withdraw(this);
+    withdraw([this](const Message& message) { return message.token == this; });
 }
 
 bool chThreadTimer::SetTimer(long long llPeriod, void* pUserData, chMsgProcesser* pProcesser,
                              int (chMsgProcesser::*pHandler)(msgObject& msg)) {
+    KillTimer();
     if (pProcesser == nullptr || pHandler == nullptr) {
         return false;
     }
-    KillTimer();
     m_pState = pProcesser;
-    post(Clock::now() + std::chrono::milliseconds(llPeriod), this, [this, llPeriod, pUserData, pProcesser, pHandler] {
-        SetTimer(llPeriod, pUserData, pProcesser, pHandler);
-        msgObject msg{MSG_THREAD_TIMER, 0};
-        if (pProcesser->TryThreadMessage(msg) == 0) {
-            (pProcesser->*pHandler)(msg);
-        }
-    });
+    const auto period = std::chrono::milliseconds(std::max(llPeriod, 1LL));
+    post({Clock::now() + period, pProcesser, this, [this, llPeriod, pUserData, pProcesser, pHandler] {
+              SetTimer(llPeriod, pUserData, pProcesser, pHandler);
+              msgObject msg{MSG_THREAD_TIMER, 0};
+              if (pProcesser->TryThreadMessage(msg) == 0) {
+                  (pProcesser->*pHandler)(msg);
+              }
+          }});
     return true;
 }
 
-void* chProcessLocal::GetLocalThreadByName(const char*) {
-    return &queue;
+// A handle is anything that stands for the thread.
+void* chProcessLocal::GetLocalThreadByName(const char* pszName) {
+    return std::string_view(pszName) == THREAD_CONTACT_SEARCH ? &queue : nullptr;
 }
 
 chSystemShare* uCSystemShareHelpergetGlobalObject() {
@@ -180,8 +243,8 @@ void CTaskActionCallbackBase::SetCallBackThread(void*) {
 
 void CTaskActionCallbackBase::SendMessageToCallingThread(CTaskAction* pAction) {
     if (pAction != nullptr) {
-        post(Clock::now(), static_cast<chMsgProcesser*>(this),
-             [this, reference = referenceOn(pAction)] { OnTaskActionCallback(reference.get()); });
+        post({Clock::now(), this, nullptr,
+              [this, reference = referenceOn(pAction)] { OnTaskActionCallback(reference.get()); }});
     }
 }
 
@@ -191,7 +254,7 @@ int TaskAction_ExecAction(NS_TA::CTaskAction* pAction) {
     if (pAction == nullptr) {
         return 0;
     }
-    post(Clock::now(), nullptr, [reference = referenceOn(pAction)] { reference->Exec(); });
+    post({Clock::now(), nullptr, nullptr, [reference = referenceOn(pAction)] { reference->Exec(); }});
     return 1;
 }
 

@@ -126,6 +126,7 @@ bool chThreadTimer::SetTimer(long long llPeriod, void*, chMsgProcesser* pProcess
                              int (chMsgProcesser::*pHandler)(msgObject& msg)) {
     const auto phone = host::currentPhone();
     if (!phone || !pProcesser || !pHandler) {
+        KillTimer();
         return false;
     }
     phone->interrupt(host::PlatformFunction::setTimer);

@@ -72,7 +72,8 @@ private:
     std::uint32_t m_uCount;
 };
 
-// An array of pointers to elements that live in heap blocks of their own; a slot may be null.
+// An array of pointers to elements that live in heap blocks of their own; a slot may be null. Each element is made with
+// plain new and belongs to the vector, which deletes it.
 template <typename T> class OxVector {
 public:
     OxVector() : m_ppItem(new T*[0]), m_iCount(0), m_iCapacity(0) {}

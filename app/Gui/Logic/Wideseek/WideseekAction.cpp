@@ -5,6 +5,9 @@
 #include "app/Gui/Logic/Wideseek/WideseekRows.h"
 #include "platform/CommonAPI.h"
 
+WS_OPTIONAL_TYPE_INFO("_ZTIN5NS_TA23CTaskActionCallbackBaseE");
+WS_OPTIONAL_TYPE_INFO("_ZTIN5NS_TA11CTaskActionE");
+
 namespace NS_WS {
 
 namespace {

@@ -42,7 +42,7 @@ namespace NS_WS {
 class CWideseekCBData;
 struct WideseekCfgListData;
 
-class CWideseekAction : public NS_TA::CTaskActionCallbackBase, public NS_TA::CTaskAction {
+class WS_API_TYPE CWideseekAction : public NS_TA::CTaskActionCallbackBase, public NS_TA::CTaskAction {
 public:
     static constexpr int TYPE_ID = NS_TA::TASK_TYPE_WIDESEEK;
 
@@ -73,7 +73,7 @@ public:
     void Stop();
 
     // A copy of the last page that was cut, whole: rows, key, position and total belong together.
-    WS_API WideseekListData GetResultData() const;
+    WideseekListData GetResultData() const;
 
     // ---- for the platform ----
 

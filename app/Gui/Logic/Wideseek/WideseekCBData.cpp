@@ -2,6 +2,8 @@
 
 #include "app/Gui/Logic/Wideseek/WideseekInternal.h"
 
+WS_OPTIONAL_TYPE_INFO("_ZTIN5NS_TA11CTaskActionE");
+
 namespace NS_WS {
 
 CWideseekCBData::CWideseekCBData() : m_pResultList(nullptr) {

@@ -10,6 +10,8 @@
 #include <mutex>
 #include <utility>
 
+WS_OPTIONAL_TYPE_INFO("_ZTIN18ETL_MsgQueueHelper14chMsgProcesserE");
+
 namespace NS_WS {
 
 using ETL_MsgQueueHelper::CFG_CHANGE_WIDESEEK;

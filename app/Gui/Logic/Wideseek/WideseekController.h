@@ -27,7 +27,7 @@ namespace NS_WS {
 class CWideseekAction;
 class CWideseekModel;
 
-class CWideseekController : public ETL_MsgQueueHelper::chMsgProcesser {
+class WS_API_TYPE CWideseekController : public ETL_MsgQueueHelper::chMsgProcesser {
 public:
     // Keeps the controller alive as long as it exists. Any thread; not on a thread that will call ReleaseInstance
     // meanwhile.
@@ -48,11 +48,11 @@ public:
     };
 
     // The controller, made when there is none; null when there is no memory for it.
-    WS_API static CWideseekController* GetInstance();
+    static CWideseekController* GetInstance();
 
     // Ends the controller. Returns as soon as the uses of it have ended; a search that is running is not waited for. No
     // page is sent after this.
-    WS_API static void ReleaseInstance();
+    static void ReleaseInstance();
 
     // The enabled sources of the controller that there is; false when there is none. It never makes one: a search that
     // outlives its controller must not bring up another. Throws std::bad_alloc without memory, with *pList unchanged.
@@ -74,7 +74,7 @@ public:
     void ResetCallback(NS_TA::CTaskActionCallbackBase* pCallback);
 
     // Appends the enabled sources in their order to pList. False without pList or sources to read.
-    WS_API bool GetEnableCfgList(WideseekCfgListData* pList) const;
+    bool GetEnableCfgList(WideseekCfgListData* pList) const;
 
     // The handler of the phone's messages: a changed source list is read again. Non-zero when that succeeded. Called by
     // the platform on its message thread.

@@ -6,3 +6,7 @@
 #else
 #define WS_API
 #endif
+
+// Marks a class whose type information callers need although they get at few of its operations: a caller that is built
+// with -fsanitize=vptr asks for it. cmake/libWideseek.map names what of such a class is shown.
+#define WS_API_TYPE WS_API

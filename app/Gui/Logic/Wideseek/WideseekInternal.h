@@ -89,3 +89,7 @@ private:
 // Null when there is no memory. WS_DELETE("app/Gui/Logic/Wideseek/WideseekModel", pModel) gives it back.
 #define WS_NEW(file) new (file, __LINE__)
 #define WS_DELETE(file, object) TrackedDelete(object, file, __LINE__)
+
+// For a file that defines a class which derives from one of the phone's: that class's own type information names the
+// base's, and a phone may be built without any (-fno-rtti). Nothing here looks at it, so it may be missing.
+#define WS_OPTIONAL_TYPE_INFO(symbol) asm(".weak " symbol)
