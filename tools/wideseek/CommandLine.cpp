@@ -13,6 +13,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -154,6 +155,21 @@ void addInit(CLI::App& parser, InitArguments& arguments) {
     parser.footer(initFooter);
 }
 
+void addPhoneScreen(CLI::App& parser, PhoneArguments& arguments) {
+    addPhone(parser, arguments);
+    parser.footer(phoneFooter);
+}
+
+// Adds a subcommand. When it is parsed, chosen becomes what runs it; its arguments live as long as the parser.
+template <typename Arguments>
+void addCommand(CLI::App& application, Command& chosen, int (*run)(const Arguments&),
+                void (*addOptions)(CLI::App&, Arguments&), const char* name, const char* description) {
+    CLI::App* parser = application.add_subcommand(name, description);
+    const auto arguments = std::make_shared<Arguments>();
+    addOptions(*parser, *arguments);
+    parser->final_callback([&chosen, arguments, run] { chosen = [arguments, run] { return run(*arguments); }; });
+}
+
 // What a newcomer can type on, or watch.
 std::string defaultCommand() {
     return isatty(STDIN_FILENO) && isatty(STDOUT_FILENO) ? "phone" : "demo";
@@ -161,61 +177,35 @@ std::string defaultCommand() {
 
 } // namespace
 
-std::variant<Command, int> readCommandLine(int argc, char** argv) {
-    CLI::App application("Contact search behind a phone's search box, on a workstation", "wideseek");
+void defineCommandLine(CLI::App& application, Command& chosen) {
+    application.name("wideseek");
+    application.description("Contact search behind a phone's search box, on a workstation");
     application.set_version_flag("--version", "wideseek " WIDESEEK_VERSION);
     application.require_subcommand(1);
 
-    PhoneArguments phone;
-    CLI::App* phoneParser = application.add_subcommand("phone", "Show the phone's search screen on this terminal");
-    addPhone(*phoneParser, phone);
-    phoneParser->footer(phoneFooter);
+    addCommand(application, chosen, showPhone, addPhoneScreen, "phone",
+               "Show the phone's search screen on this terminal");
+    addCommand(application, chosen, showDemo, addPhone, "demo",
+               "Show the search at work on the sample phone, in a few seconds");
+    addCommand(application, chosen, typeKeys, addType, "type",
+               "Type keys one after another and print each page of results");
+    addCommand(application, chosen, servePages, addPages, "pages",
+               "Serve pages to another program: requests and pages as JSON lines");
+    addCommand(application, chosen, checkFile, addCheck, "check",
+               "Explain a source list (wideseek.xml) and warn of mistakes in it");
+    addCommand(application, chosen, makePhone, addInit, "init", "Make a phone's folder for contacts of your own");
+}
 
-    PhoneArguments demo;
-    CLI::App* demoParser =
-        application.add_subcommand("demo", "Show the search at work on the sample phone, in a few seconds");
-    addPhone(*demoParser, demo);
-
-    TypeArguments type;
-    CLI::App* typeParser =
-        application.add_subcommand("type", "Type keys one after another and print each page of results");
-    addType(*typeParser, type);
-
-    PagesArguments pages;
-    CLI::App* pagesParser =
-        application.add_subcommand("pages", "Serve pages to another program: requests and pages as JSON lines");
-    addPages(*pagesParser, pages);
-
-    CheckArguments check;
-    CLI::App* checkParser =
-        application.add_subcommand("check", "Explain a source list (wideseek.xml) and warn of mistakes in it");
-    addCheck(*checkParser, check);
-
-    InitArguments init;
-    CLI::App* initParser = application.add_subcommand("init", "Make a phone's folder for contacts of your own");
-    addInit(*initParser, init);
-
+std::variant<Command, int> readCommandLine(int argc, char** argv) {
+    Command chosen;
+    CLI::App application;
+    defineCommandLine(application, chosen);
     try {
         application.parse(argc > 1 ? markedArguments(argc, argv) : std::vector{defaultCommand()});
     } catch (const CLI::ParseError& error) {
         return application.exit(error) == 0 ? exitCode::success : exitCode::usage;
     }
-    if (phoneParser->parsed()) {
-        return Command([phone] { return showPhone(phone); });
-    }
-    if (demoParser->parsed()) {
-        return Command([demo] { return showDemo(demo); });
-    }
-    if (typeParser->parsed()) {
-        return Command([type] { return typeKeys(type); });
-    }
-    if (pagesParser->parsed()) {
-        return Command([pages] { return servePages(pages); });
-    }
-    if (initParser->parsed()) {
-        return Command([init] { return makePhone(init); });
-    }
-    return Command([check] { return checkFile(check); });
+    return chosen;
 }
 
 } // namespace wideseek
