@@ -28,6 +28,9 @@ constexpr int longestPause = 3'600'000;
 // parsing.
 constexpr char asTypedMark = '\x1f';
 
+constexpr const char* toolFooter = R"(
+Without a command it is "phone" on a terminal, else "demo".)";
+
 constexpr const char* phoneFooter = R"(
 F1 shows the keys, F10 or Ctrl-C leaves. 40 columns and 12 lines are enough.)";
 
@@ -194,6 +197,7 @@ void defineCommandLine(CLI::App& application, Command& chosen) {
     addCommand(application, chosen, checkFile, addCheck, "check",
                "Explain a source list (wideseek.xml) and warn of mistakes in it");
     addCommand(application, chosen, makePhone, addInit, "init", "Make a phone's folder for contacts of your own");
+    application.footer(toolFooter); // last, as subcommands begin with the footer that there is
 }
 
 std::variant<Command, int> readCommandLine(int argc, char** argv) {
