@@ -40,8 +40,10 @@ write_abi() {
 
 write_abi build/dev/libWideseek.so abi/left_out.ini "$work/libWideseek.abi"
 write_abi build/dev/libwideseek_host.so "$work/platform.ini" "$work/platform.abi"
+g++ -std=c++20 -g -shared -fPIC -I. -o "$work/list_elements.so" abi/ListElements.cpp
+write_abi "$work/list_elements.so" abi/left_out.ini "$work/list_elements.abi"
 if [[ ${1:-} == --update ]]; then
-    mv "$work"/{libWideseek,platform}.abi abi/
+    mv "$work"/{libWideseek,platform,list_elements}.abi abi/
     exit
 fi
 
@@ -64,6 +66,7 @@ compare() {
     fi
 }
 compare libWideseek "what libWideseek.so offers" --no-added-syms
+compare list_elements "what the lists of both hold"
 compare platform "what libWideseek.so asks of the phone"
 if [[ $failed == yes ]]; then
     printf 'check-abi: %s\n' "a program or phone built for that release would break; leave what is there as it is and add" \
