@@ -37,7 +37,7 @@ target_compile_options(
     -Wformat=2
     -Wimplicit-fallthrough
     -Wunused
-    -Werror
+    $<$<BOOL:${WIDESEEK_WARNINGS_ARE_ERRORS}>:-Werror>
     # Nobody replaces a function of our shared libraries, so one may be inlined where it is called in its own file.
     -fno-semantic-interposition
     $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety>

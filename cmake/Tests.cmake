@@ -32,6 +32,7 @@ foreach(tests IN LISTS programs)
 endforeach()
 
 # All that the tests need but the tool, for builds in which nobody runs the tool.
+# All that the tests need but the tool, for builds in which nobody runs the tool.
 add_custom_target(wideseek_test_programs DEPENDS ${programs})
 
 file(GLOB checks CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/tests/*_check.sh" "${PROJECT_SOURCE_DIR}/tests/*_check.py")

@@ -9,14 +9,17 @@
 
 #include <string>
 
+// What a text is converted to.
 enum StringConvertType {
     STRING_CONVERT_SEARCH_KEY = 1,
 };
 
+// Where a text is trimmed.
 enum TrimType {
     TRIM_TYPE_BOTH_ENDS = 1,
 };
 
+// How a text is to match a key.
 enum StringMatchType {
     STRING_MATCH_CONTAINS = 1,
 };

@@ -57,6 +57,7 @@ private:
 // A repeating timer on the thread of the object that it notifies. All operations may be called from any thread.
 class chThreadTimer {
 public:
+    // A timer that is not running. iReserved is 0.
     explicit chThreadTimer(int iReserved);
 
     // Stops the timer and waits for an expiry of it that is running on another thread.

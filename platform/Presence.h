@@ -38,6 +38,7 @@ struct ContactBuddyListData {
     int iReserved4 = 2;
 };
 
+// The buddies, as the presence library knows them.
 class CPresenceContactManager {
 public:
     // The one manager, or null on a phone without presence service. It lives as long as the phone runs. Any thread.

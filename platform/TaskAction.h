@@ -21,6 +21,7 @@ enum TaskType {
     TASK_TYPE_WIDESEEK_PAGE = 7, // a page of its rows
 };
 
+// Base of what is reference-counted.
 class chObject {
 public:
     chObject();

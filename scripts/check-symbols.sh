@@ -80,10 +80,7 @@ declared_in_platform() {
 
 check_needs() {
     local symbol
-    nm -D --undefined-only --format=posix "$library" | awk '$2 == "U" { sub(/@.*/, "", $1); print $1 }' |
-        sort -u >"$work/needed"
-    ldd "$library" | grep -o '/[^ ]*' | while IFS= read -r file; do defined_symbols "$file"; done | sort -u >"$work/given"
-    comm -23 "$work/needed" "$work/given" | readable >"$work/asked"
+    scripts/platform-symbols.sh "$library" | readable >"$work/asked"
     while IFS= read -r symbol; do
         declared_in_platform "$symbol" || complain "no header of platform/ declares, and no library gives: $symbol"
     done <"$work/asked"

@@ -8,8 +8,9 @@
 #   format     sources are as clang-format writes them          (check-format.sh)
 #   headers    headers stand alone; nobody includes across      (check-headers.sh)
 #   symbols    libWideseek.so shows and needs what it should    (check-symbols.sh)
+#   abi        what is installed goes on working                (check-abi.sh)
 #   hardening  memory errors meet guards in what is shipped     (check-hardening.sh)
-#   docs       what the documents name and show is so           (check-docs.py, picture.py)
+#   docs       what the documents name and show is so, and the reference can be made  (check-docs.py, picture.py)
 #   lint       clang-tidy                                       (check-lint.sh)
 #   tests      all tests, built by GCC                          (test.sh)
 #   clang      all tests, built by Clang with its thread safety analysis
@@ -19,15 +20,16 @@
 #   run        everything builds for release, run.sh shows its demonstration, and has nothing to do the second time; a
 #              short typing session finds what other searches find
 #
-# By name only, as it fetches a compiler and an emulator:
+# By name only, as they take long:
 #
+#   packages   the Debian packages are clean, can be installed, used and removed      (check-packages.sh)
 #   arm        everything builds for the 32-bit ARM phone; in qemu, all tests but those with a server; the smallest phone is
 #              cross-built and runs                           (check-arm-consumer.sh)
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-checks=(format headers symbols hardening docs lint tests clang asan tsan fuzz run)
-by_name=(arm)
+checks=(format headers symbols abi hardening docs lint tests clang asan tsan fuzz run)
+by_name=(packages arm)
 
 # Builds a preset and runs its tests, but those that match a pattern. ThreadSanitizer cannot work where addresses are
 # randomised as far as newer kernels do it, hence no randomisation where that may be switched off.
@@ -77,10 +79,11 @@ check_arm() {
 
 run_check() {
     case $1 in
-    format | headers | symbols | hardening | lint) "scripts/check-$1.sh" ;;
+    format | headers | symbols | abi | hardening | lint | packages) "scripts/check-$1.sh" ;;
     docs)
         ./run.sh --version >/dev/null # builds
         scripts/check-docs.py
+        scripts/build.sh library reference
         scripts/picture.py --check
         ;;
     tests) ./test.sh ;;

@@ -7,6 +7,7 @@
 #   test   to run the tests
 #   check  to run the checks of scripts/check.sh
 #   bench  to measure
+#   package to build the Debian packages and to look at them
 #   arm    to build for the 32-bit ARM phone and to run that here
 #
 # With WIDESEEK_NO_INSTALL=1 in the environment it does nothing, for systems that get their packages otherwise.
@@ -15,8 +16,9 @@ set -euo pipefail
 declare -A packages=(
     [run]="g++ cmake ninja-build pkg-config libpugixml-dev libutf8proc-dev libcsv-dev libinih-dev libldap-dev libcurl4-openssl-dev
            libcli11-dev nlohmann-json3-dev libncurses-dev"
-    [test]="libgtest-dev libgmock-dev slapd ldap-utils openssl python3-radicale tmux fzf python3"
-    [check]="clang clang-tidy clang-format libclang-rt-14-dev binutils"
+    [test]="libgtest-dev libgmock-dev slapd ldap-utils openssl python3-radicale tmux fzf python3 man-db"
+    [check]="clang clang-tidy clang-format libclang-rt-14-dev binutils abigail-tools doxygen"
+    [package]="dpkg-dev debhelper doxygen lintian man-db python3 zsh"
     [bench]="libbenchmark-dev libsqlite3-dev valgrind binutils python3"
     [arm]="g++-arm-linux-gnueabihf qemu-user"
 )
@@ -88,7 +90,7 @@ explain_failure() {
 
 wanted=()
 for group in "${@:-run}"; do
-    [[ -n ${packages[$group]:-} ]] || fail "there is no package group '$group'; the groups are: run test check bench"
+    [[ -n ${packages[$group]:-} ]] || fail "there is no package group '$group'; the groups are: ${!packages[*]}"
     read -r -d '' -a members <<<"${packages[$group]}" || true
     wanted+=("${members[@]}")
 done

@@ -146,8 +146,7 @@ int CallLogFile::outgoing(OxVector<GeneralDirItemData>& calls, int from, int cou
     for (std::size_t i = begin; i < end; ++i) {
         const LoggedCall& call = log->outgoing[i];
         auto item = std::make_unique<GeneralDirItemData>(GeneralDirItemData{call.name, call.number, call.extra});
-        calls.PushBack(item.get());
-        static_cast<void>(item.release()); // the list owns it now
+        calls.PushBack(item.release()); // which owns it, whether or not there is memory for it
     }
     return static_cast<int>(std::min<std::size_t>(log->outgoing.size(), std::numeric_limits<int>::max()));
 }

@@ -3,6 +3,8 @@
 // until the step is over. Whatever fails, nothing is thrown, no lock stays held, everything is given back, and the next
 // search is right.
 
+#include "host/contacts/CallLogFile.h"
+#include "host/files/TemporaryFolder.h"
 #include "host/kernel/HeldLocks.h"
 #include "platform/Presence.h"
 #include "tests/memory/FailingAllocations.h"
@@ -185,6 +187,29 @@ TEST(Memory, WhateverAllocationFailsTheNextSearchIsRight) {
         }
     }
     RecordProperty("faults", static_cast<int>(faults));
+}
+
+// A call that the caller's list has no room for is freed once. Nine calls make the list grow twice.
+TEST(Memory, ACallThatTheListHasNoRoomForIsFreedOnce) {
+    const host::TemporaryFolder folder;
+    host::CallLogFile log(folder.path() / "call_log.csv", {});
+    for (int i = 0; i < 9; ++i) {
+        log.add({"Cal with a name that is no short string", "531" + std::to_string(i), ""});
+    }
+    std::string error;
+    OxVector<GeneralDirItemData> all;
+    ASSERT_EQ(log.outgoing(all, 0, 9, error), 9); // from now on the log itself needs hardly any memory
+    bool failed = true;
+    for (std::size_t nth = 1; failed; ++nth) {
+        OxVector<GeneralDirItemData> calls;
+        allocationFault = {nth, false, 0};
+        try {
+            log.outgoing(calls, 0, 9, error);
+        } catch (const std::bad_alloc&) {
+            EXPECT_LT(calls.Count(), 9);
+        }
+        failed = std::exchange(allocationFault, {}).failed > 0;
+    }
 }
 
 } // namespace

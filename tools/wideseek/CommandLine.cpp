@@ -14,6 +14,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -27,6 +28,9 @@ constexpr int longestPause = 3'600'000;
 // CLI11 reads "[5,3]" as a list of two, and no option of this tool takes a list: what looks like one is marked before
 // parsing.
 constexpr char asTypedMark = '\x1f';
+
+constexpr const char* toolFooter = R"(
+Without a command it is "phone" on a terminal, else "demo".)";
 
 constexpr const char* phoneFooter = R"(
 F1 shows the keys, F10 or Ctrl-C leaves. 40 columns and 12 lines are enough.)";
@@ -202,6 +206,21 @@ void addImport(CLI::App& parser, ImportArguments& arguments) {
     parser.footer(importFooter);
 }
 
+void addPhoneScreen(CLI::App& parser, PhoneArguments& arguments) {
+    addPhone(parser, arguments);
+    parser.footer(phoneFooter);
+}
+
+// Adds a subcommand. When it is parsed, chosen becomes what runs it; its arguments live as long as the parser.
+template <typename Arguments>
+void addCommand(CLI::App& application, Command& chosen, int (*run)(const Arguments&),
+                void (*addOptions)(CLI::App&, Arguments&), const char* name, const char* description) {
+    CLI::App* parser = application.add_subcommand(name, description);
+    const auto arguments = std::make_shared<Arguments>();
+    addOptions(*parser, *arguments);
+    parser->final_callback([&chosen, arguments, run] { chosen = [arguments, run] { return run(*arguments); }; });
+}
+
 // For whoever runs the tool for the first time: something to type on, or else to watch.
 std::string defaultCommand() {
     return isatty(STDIN_FILENO) && isatty(STDOUT_FILENO) ? "phone" : "demo";
@@ -209,69 +228,38 @@ std::string defaultCommand() {
 
 } // namespace
 
-std::variant<Command, int> readCommandLine(int argc, char** argv) {
-    CLI::App application("Contact search behind a phone's search box, on a workstation", "wideseek");
+void defineCommandLine(CLI::App& application, Command& chosen) {
+    application.name("wideseek");
+    application.description("Contact search behind a phone's search box, on a workstation");
     application.set_version_flag("--version", "wideseek " WIDESEEK_VERSION);
     application.require_subcommand(1);
 
-    PhoneArguments phone;
-    CLI::App* phoneParser = application.add_subcommand("phone", "Show the phone's search screen on this terminal");
-    addPhone(*phoneParser, phone);
-    phoneParser->footer(phoneFooter);
+    addCommand(application, chosen, showPhone, addPhoneScreen, "phone",
+               "Show the phone's search screen on this terminal");
+    addCommand(application, chosen, showDemo, addPhone, "demo",
+               "Show the search at work on the sample phone, in a few seconds");
+    addCommand(application, chosen, typeKeys, addType, "type",
+               "Type keys one after another and print each page of results");
+    addCommand(application, chosen, servePages, addPages, "pages",
+               "Serve pages to another program: requests and pages as JSON lines");
+    addCommand(application, chosen, check, addCheck, "check",
+               "Look through a phone: its source list, settings, contact files and servers");
+    addCommand(application, chosen, makePhone, addInit, "init", "Make a phone's folder for contacts of your own");
+    addCommand(application, chosen, importContacts, addImport, "import",
+               "Bring contacts that other programs have written into a phone");
+    application.footer(toolFooter); // last, as subcommands begin with the footer that there is
+}
 
-    PhoneArguments demo;
-    CLI::App* demoParser =
-        application.add_subcommand("demo", "Show the search at work on the sample phone, in a few seconds");
-    addPhone(*demoParser, demo);
-
-    TypeArguments type;
-    CLI::App* typeParser =
-        application.add_subcommand("type", "Type keys one after another and print each page of results");
-    addType(*typeParser, type);
-
-    PagesArguments pages;
-    CLI::App* pagesParser =
-        application.add_subcommand("pages", "Serve pages to another program: requests and pages as JSON lines");
-    addPages(*pagesParser, pages);
-
-    CheckArguments check;
-    CLI::App* checkParser = application.add_subcommand(
-        "check", "Look through a phone: its source list, settings, contact files and servers");
-    addCheck(*checkParser, check);
-
-    InitArguments init;
-    CLI::App* initParser = application.add_subcommand("init", "Make a phone's folder for contacts of your own");
-    addInit(*initParser, init);
-
-    ImportArguments import;
-    CLI::App* importParser =
-        application.add_subcommand("import", "Bring contacts that other programs have written into a phone");
-    addImport(*importParser, import);
-
+std::variant<Command, int> readCommandLine(int argc, char** argv) {
+    Command chosen;
+    CLI::App application;
+    defineCommandLine(application, chosen);
     try {
         application.parse(argc > 1 ? markedArguments(argc, argv) : std::vector{defaultCommand()});
     } catch (const CLI::ParseError& error) {
         return application.exit(error) == 0 ? exitCode::success : exitCode::usage;
     }
-    if (phoneParser->parsed()) {
-        return Command([phone] { return showPhone(phone); });
-    }
-    if (demoParser->parsed()) {
-        return Command([demo] { return showDemo(demo); });
-    }
-    if (typeParser->parsed()) {
-        return Command([type] { return typeKeys(type); });
-    }
-    if (pagesParser->parsed()) {
-        return Command([pages] { return servePages(pages); });
-    }
-    if (initParser->parsed()) {
-        return Command([init] { return makePhone(init); });
-    }
-    if (importParser->parsed()) {
-        return Command([import] { return importContacts(import); });
-    }
-    return Command([check] { return wideseek::check(check); });
+    return chosen;
 }
 
 } // namespace wideseek

@@ -17,8 +17,19 @@ bool isFolder(const std::filesystem::path& path) {
     return std::filesystem::is_directory(path, error);
 }
 
+// The sample phone that came with this program, wherever both were moved.
 std::filesystem::path defaultRoot() {
-    return isFolder(WIDESEEK_SAMPLE_DIR) ? WIDESEEK_SAMPLE_DIR : "sample";
+    std::error_code error;
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
+    if (!error) {
+        for (const char* const place : {WIDESEEK_INSTALLED_SAMPLE, WIDESEEK_BUILT_SAMPLE}) {
+            std::filesystem::path folder = (program.parent_path() / place).lexically_normal();
+            if (isFolder(folder)) {
+                return folder;
+            }
+        }
+    }
+    return "sample";
 }
 
 } // namespace

@@ -11,6 +11,7 @@
 // A doubly linked list between two sentinel nodes. Elements run from m_pHead->pNext up to, not including, m_pTail.
 template <typename T> class OxList {
 public:
+    // An element with its neighbours.
     struct _inner_node {
         _inner_node* pNext = nullptr;
         _inner_node* pPrev = nullptr;
@@ -61,9 +62,14 @@ public:
         }
     }
 
+    // The node of the first element, or the tail.
     _inner_node* Begin() { return m_pHead->pNext; }
     const _inner_node* Begin() const { return m_pHead->pNext; }
+
+    // The tail, behind the last element.
     const _inner_node* End() const { return m_pTail; }
+
+    // How many elements there are.
     std::uint32_t Count() const { return m_uCount; }
 
 private:
@@ -102,6 +108,7 @@ public:
         ++m_iCount;
     }
 
+    // How many slots there are.
     int Count() const { return m_iCount; }
 
     // The element in slot iIndex (0 to Count() - 1), or null.

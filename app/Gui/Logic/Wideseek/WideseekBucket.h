@@ -18,6 +18,8 @@ struct ItemData {
     int iExtra = -1;
 
     ItemData() = default;
+
+    // A row of a name and a number alone.
     ItemData(const std::string& strTheName, const std::string& strTheNumber)
         : strName(strTheName), strNumber(strTheNumber) {}
 
@@ -28,6 +30,7 @@ struct ItemData {
     bool IsBlank() const { return strName.empty() && strNumber.empty(); }
 };
 
+// How far a source has come with the key.
 enum ResultState {
     RESULT_STATE_NONE = -1,
     RESULT_STATE_DONE = 0,      // answered; the rows are final. Only these buckets are shown

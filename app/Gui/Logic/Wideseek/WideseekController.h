@@ -40,6 +40,7 @@ public:
         CUse(const CUse&) = delete;
         CUse& operator=(const CUse&) = delete;
 
+        // Whether there is a controller, and the controller itself.
         explicit operator bool() const { return m_pController != nullptr; }
         CWideseekController* operator->() const { return m_pController; }
 

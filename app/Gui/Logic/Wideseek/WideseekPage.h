@@ -39,6 +39,8 @@ public:
     // empty.
     void Init();
     void Final();
+
+    // Whether there is a record.
     bool HasRecord() const { return m_pResultList != nullptr; }
 
     // Which rows the next page is to show: index of the first one and how many; both 0 without a record.

@@ -35,6 +35,7 @@ public:
     void SetSearchCount(int iSearchCount) { m_iSearchCount = iSearchCount; }
     int GetSearchCount() const { return m_iSearchCount; }
 
+    // Whom the page is for; nobody any more, once that has been forgotten.
     NS_TA::CTaskActionCallbackBase* GetCallback() const { return m_pCallback; }
     void ForgetCallback() { m_pCallback = nullptr; }
 
