@@ -274,6 +274,10 @@ for i, terminal in enumerate(("linux", "vt100", "alacritty", "foot", "xterm-kitt
     if terminal.startswith(("xterm", "tmux")):
         expected = {""} if "NO_COLOR" in terminal else {"35"}
         expect({colour for colour, _ in standing_out()} == expected, f"colours on {terminal}: {standing_out()}")
+    if terminal not in ("linux", "vt100"):
+        tells_digits = terminal.startswith(("alacritty", "foot", "xterm"))
+        press(text="\x1b[<0;9;6M\x1b[<0;9;6m" if tells_digits else click("#", chr(33 + 5)))
+        see("> Local 02", f"the row clicked at on {terminal}")
     press("F10")
     see(r"^left:0", f"the shell after {terminal}")
 start("phone", terminal="TERM=dumb")

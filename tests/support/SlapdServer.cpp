@@ -37,6 +37,7 @@ constexpr const char* oddPeople[] = {
     "Bracket (cn=* Odd\ntelephoneNumber: 8002",
     "Back\\2a Odd\ntelephoneNumber: 8003",
     "Zo\u00EB Odd\ndisplayName: Zoe in Full\ntelephoneNumber: 8004",
+    "J\u00F6rg \u00C5s\ntelephoneNumber: 8106",
     "Byte Broken\njpegPhoto:: //7/\ntelephoneNumber: 8005\nroomNumber: not here",
 };
 

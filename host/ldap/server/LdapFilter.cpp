@@ -3,6 +3,7 @@
 #include "host/ldap/server/Waiter.h"
 #include "host/text/NameForm.h"
 #include "host/text/NumberForm.h"
+#include "host/text/Spellings.h"
 #include "host/text/Utf8.h"
 
 #include <openldap.h>
@@ -136,7 +137,11 @@ std::string filterTemplateProblem(std::string_view filterTemplate) {
 std::string nameFilter(std::string_view filterTemplate, std::string_view key) {
     std::vector<std::string> filters;
     for (const std::string_view word : text::typedWords(key)) {
-        filters.push_back(fill(filterTemplate, escapeFilterValue(word)));
+        std::vector<std::string> spelled;
+        for (const std::string& spelling : text::spellingsOf(word)) {
+            spelled.push_back(fill(filterTemplate, escapeFilterValue(spelling)));
+        }
+        filters.push_back(joined('|', spelled));
     }
     return filters.empty() ? fill(filterTemplate, escapeFilterValue(key)) : joined('&', filters);
 }

@@ -17,7 +17,8 @@ std::string escapeFilterValue(std::string_view bytes);
 // What is wrong with a template, for people; empty when it is a filter with %k inside of a value.
 std::string filterTemplateProblem(std::string_view filterTemplate);
 
-// The template with each word of the key in its place: all of them must match, in any order.
+// The template with each word of the key in its place, in any of its spellings (text/Spellings.h): all words must
+// match, in any order.
 std::string nameFilter(std::string_view filterTemplate, std::string_view key);
 
 // The template with the key's characters in its place and "*" between them: directories write blanks, dashes, dots and
