@@ -104,7 +104,7 @@ def check_end(case):
     expect(pages.code == code and err.count(b"\n") <= 2, f"{state}, {sign}: ended with {pages.code}: {err}")
 
 
-states = ("idle", b'{"key": ""}\n', 1), ("waiting", good, 1), ("writing", good * 2000, 0)
+states = ("idle", b'{"key": ""}\n', 1), ("waiting", good, 1), ("writing", good * 2000, 1)
 ends = ThreadPoolExecutor(9)  # beside what follows, as some take three seconds
 ended = ends.map(check_end, product(states, ((None, 0), (signal.SIGINT, 130), (signal.SIGTERM, 143))))
 
