@@ -15,7 +15,7 @@ namespace {
 using Milliseconds = std::chrono::duration<double, std::milli>;
 
 // The first key has the sources read their files, and large ones take some seconds on a busy machine.
-constexpr auto firstPageBound = std::chrono::seconds(30);
+constexpr auto firstPageBound = std::chrono::seconds(15);
 
 } // namespace
 
