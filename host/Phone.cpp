@@ -122,9 +122,14 @@ ConfiguredLdap configuredLdap(const std::shared_ptr<PhoneCore>& core) {
 
 Phone::Phone(PhoneOptions options) : m_core(std::make_shared<PhoneCore>(std::move(options))) {
     setCurrentPhone(m_core);
-    text::setDiallingRules(m_core->options.contactFiles ? configuredDialling(*m_core) : text::DiallingRules());
-    if (m_core->options.contactFiles) {
-        openContactFiles();
+    try {
+        text::setDiallingRules(m_core->options.contactFiles ? configuredDialling(*m_core) : text::DiallingRules());
+        if (m_core->options.contactFiles) {
+            openContactFiles();
+        }
+    } catch (...) {
+        goDown();
+        throw;
     }
 }
 
@@ -152,6 +157,10 @@ void Phone::openContactFiles() {
 
 Phone::~Phone() {
     m_watch.reset();
+    goDown();
+}
+
+void Phone::goDown() {
     m_core->kernel.stop();
     setLdap(nullptr);
     setPresence(nullptr);

@@ -36,6 +36,7 @@ class PresenceFile;
 
 class Phone {
 public:
+    // Throws std::system_error when a thread cannot be started, std::bad_alloc without memory.
     explicit Phone(PhoneOptions options);
 
     // Stops all threads, then lets go of whatever is still queued. The search module is released before this.
@@ -104,6 +105,7 @@ public:
 
 private:
     void openContactFiles();
+    void goDown();
 
     const std::shared_ptr<PhoneCore> m_core;
     std::shared_ptr<CallLogFile> m_callLog;   // null without contact files
