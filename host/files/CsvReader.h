@@ -60,6 +60,7 @@ private:
     bool nextRow();
     bool readRow(std::string_view line);
     bool feed(std::string_view bytes);
+    void throwIfOutOfMemory() const;
     void rejectRow(std::string_view reason);
     std::string_view takeLine();
 
@@ -78,6 +79,7 @@ private:
     std::vector<std::string> m_fields; // of the row; the first m_fieldCount are valid
     std::size_t m_fieldCount = 0;
     bool m_rowEnded = false;
+    bool m_outOfMemory = false;        // while a field was taken
     std::size_t m_width = 0;           // how many columns the first line names
     std::vector<std::size_t> m_places; // of each column in a row, or none
     std::string m_error;
