@@ -29,9 +29,14 @@ constexpr std::chrono::milliseconds watchPeriod(500);
 
 Phone::Phone(PhoneOptions options) : m_core(std::make_shared<PhoneCore>(std::move(options))) {
     setCurrentPhone(m_core);
-    text::setDiallingRules(m_core->options.contactFiles ? configuredDialling(*m_core) : text::DiallingRules());
-    if (m_core->options.contactFiles) {
-        openContactFiles();
+    try {
+        text::setDiallingRules(m_core->options.contactFiles ? configuredDialling(*m_core) : text::DiallingRules());
+        if (m_core->options.contactFiles) {
+            openContactFiles();
+        }
+    } catch (...) {
+        goDown();
+        throw;
     }
 }
 
@@ -86,6 +91,10 @@ void Phone::openRemoteDirectory(std::shared_ptr<RemoteDirectory> directory) {
 Phone::~Phone() {
     m_remoteWorker.reset();
     m_watch.reset();
+    goDown();
+}
+
+void Phone::goDown() {
     m_core->kernel.stop();
     setLdap(nullptr);
     setPresence(nullptr);

@@ -45,6 +45,7 @@ class ServerLdapDirectory;
 
 class Phone {
 public:
+    // Throws std::system_error when a thread cannot be started, std::bad_alloc without memory.
     explicit Phone(PhoneOptions options);
 
     // Stops all threads, then lets go of whatever is still queued. The search module is released before this.
@@ -125,6 +126,7 @@ public:
 private:
     void openContactFiles();
     void openRemoteDirectory(std::shared_ptr<RemoteDirectory> directory);
+    void goDown();
 
     const std::shared_ptr<PhoneCore> m_core;
     std::shared_ptr<CallLogFile> m_callLog;            // null without contact files

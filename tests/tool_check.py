@@ -1,6 +1,6 @@
 #!/usr/bin/env -S python3 -B
 """Runs the tool as a person or a script does, on a small phone of its own: what it prints, says and ends with."""
-import json, os, signal, socket, subprocess, time, unicodedata
+import json, os, resource, signal, socket, subprocess, time, unicodedata
 
 from checking import ROOT, TOOL, column_of, expect, finish, list_sources, run, write
 
@@ -146,6 +146,11 @@ found = type_keys("--json", "53", root=made)
 expect(names(json.loads(found.stdout)) == ["Zoë", "Remy"] and not found.stderr, f"on a new phone: {found}")
 many = type_keys("--json", *["53"] * 16_000, root=made, timeout=15).stdout  # in time proportional to their number
 expect(many.count(b"\n") == 16_000, "a page for each of many keys")
+# However little memory there is, it ends with a word on it. 127: it could not even be loaded.
+for megabytes in range(24, 64, 4):
+    poor = type_keys("53", root=made, preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (megabytes << 20,) * 2))
+    told = b"cannot be started: " in poor.stderr or b"memory" in poor.stderr or b"no thread" in poor.stderr
+    expect(poor.returncode in (1 if told else 0, 127), f"{megabytes} MB of memory: {poor}")
 again = run("init", made)
 expect(again.returncode == 1 and b"holds a phone already" in again.stderr, f"made twice: {again}")
 expect(run("init", "/dev/null/no").stderr.startswith(b"wideseek: /dev/null/no/config/contacts: cannot be made (Not a dir"),

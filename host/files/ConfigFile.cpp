@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <charconv>
 #include <ini.h>
+#include <new>
 #include <system_error>
 #include <utility>
 
@@ -29,25 +30,37 @@ struct LineReader {
     Problems problems;
     std::size_t line = 0;
     bool indented = false;
+    bool outOfMemory = false;
 
     void report(const std::string& reason) { problems.add(line, reason); }
 
-    static char* next(char* buffer, int size, void* stream) {
+    // No exception may pass through the INI reader, which is in C.
+    static char* next(char* buffer, int size, void* stream) noexcept {
         auto& self = *static_cast<LineReader*>(stream);
-        if (self.rest.empty()) {
+        try {
+            return self.takeLine(buffer, size) ? buffer : nullptr;
+        } catch (const std::bad_alloc&) {
+            self.outOfMemory = true;
             return nullptr;
         }
-        std::string_view text = self.rest.substr(0, self.rest.find('\n'));
-        self.rest.remove_prefix(std::min(text.size() + 1, self.rest.size()));
-        ++self.line;
-        self.indented = text.starts_with(' ') || text.starts_with('\t');
+    }
+
+private:
+    bool takeLine(char* buffer, int size) {
+        if (rest.empty()) {
+            return false;
+        }
+        std::string_view text = rest.substr(0, rest.find('\n'));
+        rest.remove_prefix(std::min(text.size() + 1, rest.size()));
+        ++line;
+        indented = text.starts_with(' ') || text.starts_with('\t');
         if (text.size() >= static_cast<std::size_t>(size)) {
-            self.report("is skipped: it is longer than " + std::to_string(size - 1) +
-                        " characters; let the value go on in an indented line");
+            report("is skipped: it is longer than " + std::to_string(size - 1) +
+                   " characters; let the value go on in an indented line");
             text = {};
         }
         *std::copy(text.begin(), text.end(), buffer) = '\0';
-        return buffer;
+        return true;
     }
 };
 
@@ -60,18 +73,26 @@ ConfigFile::ConfigFile(std::filesystem::path path, ProblemSink problemSink)
 ReloadedFile<ConfigFile::Keys>::Made ConfigFile::read(std::string_view bytes, const std::string& file) {
     const auto keys = std::make_shared<Keys>();
     LineReader lines{.rest = bytes, .problems = Problems(file)};
-    const auto store = [](void* user, const char* section, const char* key, const char* text) {
+    const auto store = [](void* user, const char* section, const char* key, const char* text) noexcept {
         const auto& [into, from] = *static_cast<std::pair<Keys*, LineReader*>*>(user);
-        const auto [known, isNew] = (*into)[key].emplace(section, text);
-        if (!isNew && from->indented) {
-            known->second += text;
-        } else if (!isNew) {
-            from->report("sets " + std::string(key) + " again; keep one of the lines");
+        try {
+            const auto [known, isNew] = (*into)[key].emplace(section, text);
+            if (!isNew && from->indented) {
+                known->second += text;
+            } else if (!isNew) {
+                from->report("sets " + std::string(key) + " again; keep one of the lines");
+            }
+        } catch (const std::bad_alloc&) {
+            from->outOfMemory = true;
         }
         return 1;
     };
     std::pair<Keys*, LineReader*> user(keys.get(), &lines);
-    if (const int line = ini_parse_stream(&LineReader::next, &lines, store, &user); line > 0) {
+    const int line = ini_parse_stream(&LineReader::next, &lines, store, &user);
+    if (lines.outOfMemory) {
+        throw std::bad_alloc();
+    }
+    if (line > 0) {
         lines.line = static_cast<std::size_t>(line);
         lines.report("is skipped; write [section], key = value, or a comment after \";\"");
     }

@@ -116,14 +116,18 @@ bool CsvRows::readRow(std::string_view line) {
             return true;
         }
         if (m_next >= m_text.size()) {
-            return csv_fini(&m_parser, &onField, &onRow, this) == 0;
+            const bool whole = csv_fini(&m_parser, &onField, &onRow, this) == 0;
+            throwIfOutOfMemory();
+            return whole;
         }
         line = takeLine();
     }
 }
 
 bool CsvRows::feed(std::string_view bytes) {
-    if (csv_parse(&m_parser, bytes.data(), bytes.size(), &onField, &onRow, this) == bytes.size()) {
+    const bool whole = csv_parse(&m_parser, bytes.data(), bytes.size(), &onField, &onRow, this) == bytes.size();
+    throwIfOutOfMemory();
+    if (whole) {
         return true;
     }
     if (csv_error(&m_parser) != CSV_EPARSE) {
@@ -141,12 +145,24 @@ std::string_view CsvRows::takeLine() {
     return line;
 }
 
+// No exception may pass through the parser, which is in C.
 void CsvRows::onField(void* bytes, std::size_t size, void* reader) {
     auto& self = *static_cast<CsvRows*>(reader);
-    if (self.m_fieldCount == self.m_fields.size()) {
-        self.m_fields.emplace_back();
+    try {
+        if (self.m_fieldCount == self.m_fields.size()) {
+            self.m_fields.emplace_back();
+        }
+        self.m_fields[self.m_fieldCount].assign(static_cast<const char*>(bytes), size);
+        ++self.m_fieldCount;
+    } catch (const std::bad_alloc&) {
+        self.m_outOfMemory = true;
     }
-    self.m_fields[self.m_fieldCount++].assign(static_cast<const char*>(bytes), size);
+}
+
+void CsvRows::throwIfOutOfMemory() const {
+    if (m_outOfMemory) {
+        throw std::bad_alloc();
+    }
 }
 
 void CsvRows::onRow(int /*end*/, void* reader) {

@@ -77,6 +77,7 @@ private:
     bool nextRow();
     bool readRow(std::string_view line);
     bool feed(std::string_view bytes);
+    void throwIfOutOfMemory() const;
     void rejectRow(std::string_view reason);
     std::string_view takeLine();
 
@@ -94,7 +95,8 @@ private:
     std::vector<std::string> m_fields; // of the row; the first m_fieldCount are valid
     std::size_t m_fieldCount = 0;
     bool m_rowEnded = false;
-    std::size_t m_width = 0; // 0: not set
+    bool m_outOfMemory = false; // while a field was taken
+    std::size_t m_width = 0;    // 0: not set
     std::string m_error;
     Problems m_problems;
 };

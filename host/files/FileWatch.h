@@ -6,18 +6,22 @@
 // thread; no report is running or follows once it has returned.
 #pragma once
 
+#include "host/files/FileText.h"
+
 #include <chrono>
 #include <condition_variable>
 #include <filesystem>
 #include <functional>
 #include <mutex>
+#include <optional>
 #include <thread>
 
 namespace host {
 
 class FileWatch {
 public:
-    // onChange is called on the watch's thread, with none of its locks held.
+    // onChange is called on the watch's thread, with none of its locks held. Throws std::system_error when the system
+    // gives no thread.
     FileWatch(std::filesystem::path path, std::chrono::milliseconds period, std::function<void()> onChange);
     ~FileWatch();
 
@@ -25,6 +29,12 @@ public:
     FileWatch& operator=(const FileWatch&) = delete;
 
 private:
+    void watch(std::optional<FileStamp> known);
+
+    const std::filesystem::path m_path;
+    const std::chrono::milliseconds m_period;
+    const std::function<void()> m_onChange;
+
     std::mutex m_mutex;
     std::condition_variable m_wake;
     bool m_ending = false; // guarded by m_mutex

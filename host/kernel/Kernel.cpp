@@ -9,6 +9,7 @@
 #include <map>
 #include <mutex>
 #include <optional>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -226,7 +227,11 @@ struct Kernel::State {
     }
 };
 
-Kernel::Kernel(Driver driver) : m_state(std::make_unique<State>(driver)) {
+Kernel::Kernel(std::unique_ptr<State> state) : m_state(std::move(state)) {
+}
+
+// Where a thread cannot be started, the destructor ends those that run.
+Kernel::Kernel(Driver driver) : Kernel(std::make_unique<State>(driver)) {
     addThread(mainThread);
     addThread(messageThread);
     addThread(searchThread);
@@ -245,7 +250,12 @@ MessageThread* Kernel::addThread(std::string_view name) {
     MessageThread& thread = m_state->threads.emplace_back(name);
     const bool callersOwn = m_state->threads.size() == 1;
     if (m_state->driver == Driver::live && !callersOwn && !m_state->stopping) {
-        thread.thread = std::thread([state = m_state.get(), &thread] { state->live(thread); });
+        try {
+            thread.thread = std::thread([state = m_state.get(), &thread] { state->live(thread); });
+        } catch (const std::system_error& failure) {
+            m_state->threads.pop_back();
+            throw std::system_error(failure.code(), "a thread of the phone cannot be started");
+        }
     }
     return &thread;
 }

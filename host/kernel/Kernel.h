@@ -63,7 +63,8 @@ public:
 
     Driver driver() const;
 
-    // Adds a named thread, started at once by the live driver. Not for a name that is there already.
+    // Adds a named thread, started at once by the live driver. Not for a name that is there already. Throws
+    // std::system_error, with nothing added, when the system gives no thread.
     MessageThread* addThread(std::string_view name);
 
     // Null when there is none of this name. Any thread.
@@ -122,6 +123,9 @@ public:
 
 private:
     struct State;
+
+    explicit Kernel(std::unique_ptr<State> state);
+
     std::unique_ptr<State> m_state;
 };
 

@@ -6,6 +6,7 @@
 
 #include <exception>
 #include <iostream>
+#include <new>
 #include <variant>
 
 namespace {
@@ -32,6 +33,9 @@ int main(int argc, char** argv) {
         const std::variant<wideseek::Command, int> wanted = wideseek::readCommandLine(argc, argv);
         const auto* command = std::get_if<wideseek::Command>(&wanted);
         return command != nullptr ? run(*command) : std::get<int>(wanted);
+    } catch (const std::bad_alloc&) {
+        std::cerr << "wideseek: there is not enough memory; make the files smaller or raise the limit\n";
+        return exitCode::failure;
     } catch (const std::exception& error) {
         std::cerr << "wideseek: " << error.what() << '\n';
         return exitCode::failure;

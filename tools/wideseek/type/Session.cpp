@@ -16,7 +16,7 @@ namespace {
 using Milliseconds = std::chrono::duration<double, std::milli>;
 
 // The first key has the sources read their files, and large ones take some seconds on a busy machine.
-constexpr auto firstPageBound = std::chrono::seconds(30);
+constexpr auto firstPageBound = std::chrono::seconds(15);
 constexpr auto unnoticed = std::chrono::seconds(1);
 constexpr auto firstContactsBound = std::chrono::minutes(10);
 
