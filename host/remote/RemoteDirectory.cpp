@@ -12,6 +12,9 @@ namespace {
 
 using Kind = RemoteOutcome::Kind;
 
+// Thrown where reading contacts takes long, once nobody wants them any more.
+struct Stopped {};
+
 std::string timeText(RemoteState::Time time) {
     const std::time_t seconds = std::chrono::system_clock::to_time_t(time);
     std::tm parts{};
@@ -103,10 +106,21 @@ void RemoteDirectory::loadOnce() {
         if (!copy) {
             return;
         }
-        RemoteContacts contacts = readRemoteContacts(*copy, m_options.url);
+        RemoteContacts contacts = read(*copy);
         if (contacts.table) {
             m_copy = *std::move(copy);
             publish(std::move(contacts.table), RemoteState::Time(std::chrono::seconds(stamp->seconds)));
+        }
+    });
+}
+
+// Throws Stopped.
+RemoteContacts RemoteDirectory::read(const RemoteCopy& copy) const {
+    std::string ignored;
+    const auto address = parseWebAddress(m_options.url, ignored);
+    return readRemoteContacts(copy, address.value_or(WebAddress()), [this] {
+        if (m_stopped) {
+            throw Stopped();
         }
     });
 }
@@ -115,6 +129,8 @@ RemoteDirectory::TimePoint RemoteDirectory::work(TimePoint now) {
     try {
         loadOnce();
         return goOn(now);
+    } catch (const Stopped&) {
+        return now;
     } catch (...) {
         m_refresh.reset();
         m_plan.failed(now, std::chrono::seconds::zero());
@@ -176,7 +192,7 @@ bool RemoteDirectory::take(RemoteCopy copy, bool changed, std::string& problem) 
         publish(table(), m_surroundings.clock());
         return true;
     }
-    RemoteContacts contacts = readRemoteContacts(copy, m_options.url);
+    RemoteContacts contacts = read(copy);
     if (!contacts.table) {
         problem = contacts.error;
         return false;

@@ -64,6 +64,7 @@ public:
 
 private:
     void loadOnce();
+    RemoteContacts read(const RemoteCopy& copy) const;
     TimePoint goOn(TimePoint now);
     void finish(TimePoint now);
     bool take(RemoteCopy copy, bool changed, std::string& problem);
