@@ -103,14 +103,14 @@ void RemoteDirectory::loadOnce() {
         std::string ignored;
         const auto stamp = stampOf(m_copyFile, ignored);
         auto copy = stamp ? loadRemoteCopy(m_copyFile, m_source) : std::nullopt;
-        if (!copy) {
-            return;
-        }
-        RemoteContacts contacts = read(*copy);
+        RemoteContacts contacts = copy ? read(*copy) : RemoteContacts();
         if (contacts.table) {
             m_copy = *std::move(copy);
             publish(std::move(contacts.table), RemoteState::Time(std::chrono::seconds(stamp->seconds)));
+            return;
         }
+        const std::lock_guard lock(m_mutex);
+        m_state.isFirstFetch = true;
     });
 }
 
