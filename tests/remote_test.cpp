@@ -311,6 +311,7 @@ TEST(RemoteDirectory, TheLastGoodCopyAnswersWhateverTheServerDoesAndSaysHowOldIt
     Remote next(root.path());
     EXPECT_EQ(next.found("ann"), "1; ");
     EXPECT_EQ(next.transport->asked, 0);
+    EXPECT_EQ(next.problems, remote.problems);
     EXPECT_THAT(Remote(root.path(), "https://example.com/others.vcf").found("ann"), HasSubstr("failed"));
     next.wall += 50h;
     EXPECT_THAT(next.found("ann"), HasSubstr("2 days old, while the server is asked"));

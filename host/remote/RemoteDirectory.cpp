@@ -104,6 +104,7 @@ void RemoteDirectory::loadOnce() {
         const auto stamp = stampOf(m_copyFile, ignored);
         auto copy = stamp ? loadRemoteCopy(m_copyFile, m_source) : std::nullopt;
         RemoteContacts contacts = copy ? read(*copy) : RemoteContacts();
+        tell(contacts.problems);
         if (contacts.table) {
             m_copy = *std::move(copy);
             publish(std::move(contacts.table), RemoteState::Time(std::chrono::seconds(stamp->seconds)));
@@ -197,11 +198,7 @@ bool RemoteDirectory::take(RemoteCopy copy, bool changed, std::string& problem) 
         problem = contacts.error;
         return false;
     }
-    for (const std::string& each : contacts.problems) {
-        if (m_surroundings.problem) {
-            m_surroundings.problem(each);
-        }
-    }
+    tell(contacts.problems);
     m_copy = std::move(copy);
     const bool isFirst = !table();
     publish(std::move(contacts.table), m_surroundings.clock());
@@ -209,8 +206,8 @@ bool RemoteDirectory::take(RemoteCopy copy, bool changed, std::string& problem) 
         m_surroundings.firstContacts();
     }
     std::string unsaved;
-    if (!saveRemoteCopy(m_copyFile, m_source, m_copy, unsaved) && m_surroundings.problem) {
-        m_surroundings.problem(unsaved);
+    if (!saveRemoteCopy(m_copyFile, m_source, m_copy, unsaved)) {
+        tell({unsaved});
     }
     return true;
 }
@@ -221,6 +218,14 @@ void RemoteDirectory::publish(std::shared_ptr<const ContactTable> table, RemoteS
     m_state.contacts = table->index().size();
     m_state.confirmed = confirmed;
     m_table.swap(table);
+}
+
+void RemoteDirectory::tell(const std::vector<std::string>& problems) const {
+    for (const std::string& problem : problems) {
+        if (m_surroundings.problem) {
+            m_surroundings.problem(problem);
+        }
+    }
 }
 
 // A refresh is over, well when problem is empty.
