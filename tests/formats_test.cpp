@@ -173,10 +173,11 @@ TEST(Formats, ExportsAreReadWhateverTheirFormSeparatorEncodingAndLanguage) {
 TEST(Formats, ColumnsCanBeToldAndThoseLeftOutAreNamed) {
     host::ExportOptions options{"windows-1251", {}};
     options.columns["wer"] = *host::meaningOfField("name");
+    options.columns["leer"] = *host::meaningOfField("nothing");
     options.columns["nr"] = *host::meaningOfField("mobile");
     std::string contacts;
     const host::ReadExport read =
-        host::readExport("Wer;Nr;Farbe;Leer\n\x80;7;rot;\n", "f", options, [&](const auto& contact, std::size_t line) {
+        host::readExport("Wer;Nr;Farbe;Leer\n\x80;7;rot;x\n", "f", options, [&](const auto& contact, std::size_t line) {
             contacts += std::to_string(line) + shown(contact);
         });
     EXPECT_EQ(contacts, "2\xD0\x82 | mobile:7");

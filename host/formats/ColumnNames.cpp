@@ -247,7 +247,7 @@ struct Field {
 };
 constexpr Field nameFields[] = {{"name", Use::fullName},   {"first", Use::givenName}, {"middle", Use::middleName},
                                 {"last", Use::familyName}, {"number", Use::number},   {"extra", Use::extra},
-                                {"nothing", Use::nothing}};
+                                {"nothing", Use::leftOut}};
 
 } // namespace
 

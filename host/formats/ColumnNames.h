@@ -16,7 +16,8 @@ namespace host {
 
 struct ColumnMeaning {
     enum class Use {
-        nothing,
+        nothing, // that is known
+        leftOut, // as is told
         fullName,
         givenName,
         middleName,

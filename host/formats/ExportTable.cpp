@@ -108,61 +108,70 @@ private:
         return name.empty() || name.size() > 40 ? "COLUMN" : "\"" + name + "\"";
     }
 
+    // What is put together of several columns.
+    struct Parts {
+        std::map<Use, std::string> names;
+        std::map<std::string, std::string, std::less<>> addresses; // by their group
+        std::set<std::string, std::less<>> wholeAddresses;         // the groups that have one
+    };
+
     void readRow() {
         m_builder.clear();
-        std::map<Use, std::string> names;
-        std::map<std::string, std::string, std::less<>> addresses; // of parts, by their group
+        Parts parts;
         for (std::size_t i = 0; i < m_columns.size(); ++i) {
-            const std::string_view text = m_rows.field(i);
-            if (text.empty()) {
-                continue;
-            }
-            m_filled[i] = true;
-            const ColumnMeaning& column = m_columns[i];
-            switch (column.use) {
-            case Use::fullName:
-            case Use::givenName:
-            case Use::middleName:
-            case Use::familyName:
-                names[column.use].append(names[column.use].empty() ? "" : " ").append(text);
-                break;
-            case Use::number:
-                addNumbers(column, text);
-                break;
-            case Use::fact:
-                addFacts(column.fact, text);
-                break;
-            case Use::addressPart: {
-                std::string& address = addresses[column.group];
-                address.append(address.empty() ? "" : ", ").append(text);
-                break;
-            }
-            case Use::wholeAddress:
-                m_builder.addFact(FactKind::address, withCommas(text), m_rows.line());
-                m_whole.insert(column.group);
-                break;
-            case Use::extra:
-                m_builder.setExtra(text);
-                break;
-            case Use::numberLabel:
-            case Use::nothing:
-                break;
+            if (const std::string_view text = m_rows.field(i); !text.empty()) {
+                m_filled[i] = true;
+                take(m_columns[i], text, parts);
             }
         }
-        for (const auto& [group, address] : addresses) {
-            if (!m_whole.contains(group)) {
+        for (const auto& [group, address] : parts.addresses) {
+            if (!parts.wholeAddresses.contains(group)) {
                 m_builder.addFact(FactKind::address, address, m_rows.line());
             }
         }
-        m_whole.clear();
-        setName(names);
+        setName(parts.names);
+    }
+
+    void take(const ColumnMeaning& column, std::string_view text, Parts& parts) {
+        switch (column.use) {
+        case Use::fullName:
+        case Use::givenName:
+        case Use::middleName:
+        case Use::familyName:
+            append(text, " ", parts.names[column.use]);
+            break;
+        case Use::number:
+            addNumbers(column, text);
+            break;
+        case Use::fact:
+            addFacts(column.fact, text);
+            break;
+        case Use::addressPart:
+            append(text, ", ", parts.addresses[column.group]);
+            break;
+        case Use::wholeAddress:
+            m_builder.addFact(FactKind::address, withCommas(text), m_rows.line());
+            parts.wholeAddresses.insert(column.group);
+            break;
+        case Use::extra:
+            m_builder.setExtra(text);
+            break;
+        case Use::numberLabel:
+        case Use::nothing:
+        case Use::leftOut:
+            break;
+        }
+    }
+
+    static void append(std::string_view text, std::string_view between, std::string& to) {
+        to.append(to.empty() || text.empty() ? "" : between).append(text);
     }
 
     void setName(std::map<Use, std::string>& names) {
         std::string name = names[Use::fullName];
         if (name.empty()) {
             for (const Use part : {Use::givenName, Use::middleName, Use::familyName}) {
-                name.append(name.empty() || names[part].empty() ? "" : " ").append(names[part]);
+                append(names[part], " ", name);
             }
         }
         m_builder.setName(name, m_rows.line());
@@ -206,8 +215,7 @@ private:
     ContactBuilder m_builder;
     std::vector<std::string> m_names;
     std::vector<ColumnMeaning> m_columns;
-    std::vector<bool> m_filled;                 // whether a row has something in the column
-    std::set<std::string, std::less<>> m_whole; // groups of the row whose address is there as a whole
+    std::vector<bool> m_filled; // whether a row has something in the column
 };
 
 } // namespace
