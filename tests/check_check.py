@@ -1,6 +1,6 @@
 #!/usr/bin/env -S python3 -B
 """Runs the checker on small source lists and phones: what it lists, what it warns of and where; and whether that is so."""
-import http.server, json, threading
+import http.server, json, os, threading
 from itertools import zip_longest
 
 from checking import ROOT, expect, finish, list_sources, run, write
@@ -89,6 +89,7 @@ class Server(http.server.BaseHTTPRequestHandler):
 server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Server)
 threading.Thread(target=server.serve_forever, daemon=True).start()
 address = f"http://127.0.0.1:{server.server_port}/people.vcf"
+os.environ["no_proxy"] = "127.0.0.1"
 list_sources(KNOWN[0], KNOWN[1], KNOWN[2], KNOWN[3])
 write("contacts/local_directory.csv", 'name,number\nAnn,2041\n"A; - B",12x\n')
 write("contacts/presence_buddies.json", '[{"id": "x"}]')

@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <thread>
 
 namespace {
@@ -19,6 +20,9 @@ using host::RemoteDirectory;
 using host::RemoteOptions;
 using testing::HasSubstr;
 using Clock = std::chrono::steady_clock;
+
+// Not by way of a proxy that the environment names.
+const int noProxy = ::setenv("no_proxy", "127.0.0.1", 1);
 
 constexpr auto prompt = 900ms; // how long anything may take that does not wait for the network
 

@@ -221,7 +221,8 @@ TEST(RemoteRefresh, AServerWithoutTokensIsAskedForWhatDiffers) {
     EXPECT_EQ(changed.copy.parts.size(), 2U);
     EXPECT_EQ(changed.copy.parts.at("/b/3.vcf").text, "FN:y");
     EXPECT_EQ(changed.copy.parts.at("/b/1.vcf").text, "one");
-    // What is no multistatus is no list without members.
+    // A server in trouble is no server without tokens, and what is no multistatus no list without members.
+    EXPECT_EQ(talk(at("https://example.com/b/"), held, {answer(500)}).outcome.kind, Kind::failed);
     EXPECT_EQ(talk(at("https://example.com/b/"), changed.copy, {answer(207, "<html/>")}).outcome.kind, Kind::failed);
 }
 
@@ -245,7 +246,8 @@ public:
 
 // A directory, and the time on its clocks.
 struct Remote {
-    explicit Remote(const std::filesystem::path& folder, const std::string& url = "https://example.com/people.vcf") {
+    explicit Remote(const std::filesystem::path& folder,
+                    const std::string& url = "https://example.com/people.vcf?key=secret") {
         auto made = std::make_unique<ScriptedTransport>();
         transport = made.get();
         directory = std::make_unique<RemoteDirectory>(
@@ -291,9 +293,10 @@ TEST(RemoteDirectory, TheLastGoodCopyAnswersWhateverTheServerDoesAndSaysHowOldIt
     remote.pass(0s);
     EXPECT_THAT(remote.found("ann"),
                 HasSubstr("failed; there are no contacts yet: https://example.com/people.vcf: is"));
-    remote.transport->answers = {answer(200, card)};
+    remote.transport->answers = {answer(200, card + "BEGIN:VCARD\nEND:VCARD\n")};
     remote.pass(10s);
     EXPECT_EQ(remote.found("ann"), "1; ");
+    EXPECT_THAT(remote.problems, ElementsAre(testing::StartsWith("https://example.com/people.vcf:6: ")));
     EXPECT_EQ(remote.found("7946"), "1; ");
     EXPECT_EQ(remote.firsts, 1);
     EXPECT_EQ(remote.directory->find({"Ann Marlowe", "+442079460041"})->numbers.front().kind, host::NumberKind::work);
@@ -308,6 +311,7 @@ TEST(RemoteDirectory, TheLastGoodCopyAnswersWhateverTheServerDoesAndSaysHowOldIt
     Remote next(root.path());
     EXPECT_EQ(next.found("ann"), "1; ");
     EXPECT_EQ(next.transport->asked, 0);
+    EXPECT_EQ(next.problems, remote.problems);
     EXPECT_THAT(Remote(root.path(), "https://example.com/others.vcf").found("ann"), HasSubstr("failed"));
     next.wall += 50h;
     EXPECT_THAT(next.found("ann"), HasSubstr("2 days old, while the server is asked"));

@@ -4,6 +4,8 @@
 //     if (file.number() < 0) ... // errno says why
 #pragma once
 
+#include <pthread.h>
+#include <signal.h>
 #include <unistd.h>
 #include <utility>
 
@@ -32,5 +34,13 @@ public:
 private:
     int m_number;
 };
+
+// From now on the calling thread gets an error from a connection that has been closed, and no signal.
+inline void blockBrokenPipe() {
+    sigset_t brokenPipe;
+    ::sigemptyset(&brokenPipe);
+    ::sigaddset(&brokenPipe, SIGPIPE);
+    ::pthread_sigmask(SIG_BLOCK, &brokenPipe, nullptr);
+}
 
 } // namespace host

@@ -7,12 +7,15 @@
 
 namespace host {
 
-RemoteContacts readRemoteContacts(const RemoteCopy& copy, const std::string& url) {
+RemoteContacts readRemoteContacts(const RemoteCopy& copy, const WebAddress& at, const std::function<void()>& goOn) {
     RemoteContacts contacts;
     const auto table = std::make_shared<ContactTable>();
-    const TakeContact take = [&](const Contact& each) { table->add(each); };
+    const TakeContact take = [&](const Contact& each) {
+        goOn();
+        table->add(each);
+    };
     for (const auto& [path, part] : copy.parts) {
-        const std::string& place = path.empty() ? url : path;
+        const std::string place = path.empty() ? withoutQuery(at.url) : at.origin + path;
         const auto [problems, error] =
             isVCard(part.text) ? readVCards(part.text, place, take) : readContacts(part.text, place, take);
         contacts.problems.insert(contacts.problems.end(), problems.begin(), problems.end());

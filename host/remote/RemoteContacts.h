@@ -2,8 +2,10 @@
 #pragma once
 
 #include "host/contacts/ContactTable.h"
+#include "host/remote/http/WebAddress.h"
 #include "host/remote/refresh/RemoteCopy.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -16,7 +18,8 @@ struct RemoteContacts {
     std::string error;
 };
 
-// url: where the directory is, which is what problems name. Any thread.
-RemoteContacts readRemoteContacts(const RemoteCopy& copy, const std::string& url);
+// at: where the directory is, which is what problems name. goOn is called for each contact, and may throw to end the
+// reading. Any thread.
+RemoteContacts readRemoteContacts(const RemoteCopy& copy, const WebAddress& at, const std::function<void()>& goOn);
 
 } // namespace host

@@ -12,6 +12,9 @@ namespace {
 
 using Kind = RemoteOutcome::Kind;
 
+// Thrown where reading contacts takes long, once nobody wants them any more.
+struct Stopped {};
+
 std::string timeText(RemoteState::Time time) {
     const std::time_t seconds = std::chrono::system_clock::to_time_t(time);
     std::tm parts{};
@@ -100,13 +103,25 @@ void RemoteDirectory::loadOnce() {
         std::string ignored;
         const auto stamp = stampOf(m_copyFile, ignored);
         auto copy = stamp ? loadRemoteCopy(m_copyFile, m_source) : std::nullopt;
-        if (!copy) {
-            return;
-        }
-        RemoteContacts contacts = readRemoteContacts(*copy, m_options.url);
+        RemoteContacts contacts = copy ? read(*copy) : RemoteContacts();
+        tell(contacts.problems);
         if (contacts.table) {
             m_copy = *std::move(copy);
             publish(std::move(contacts.table), RemoteState::Time(std::chrono::seconds(stamp->seconds)));
+            return;
+        }
+        const std::lock_guard lock(m_mutex);
+        m_state.isFirstFetch = true;
+    });
+}
+
+// Throws Stopped.
+RemoteContacts RemoteDirectory::read(const RemoteCopy& copy) const {
+    std::string ignored;
+    const auto address = parseWebAddress(m_options.url, ignored);
+    return readRemoteContacts(copy, address.value_or(WebAddress()), [this] {
+        if (m_stopped) {
+            throw Stopped();
         }
     });
 }
@@ -115,6 +130,8 @@ RemoteDirectory::TimePoint RemoteDirectory::work(TimePoint now) {
     try {
         loadOnce();
         return goOn(now);
+    } catch (const Stopped&) {
+        return now;
     } catch (...) {
         m_refresh.reset();
         m_plan.failed(now, std::chrono::seconds::zero());
@@ -176,16 +193,12 @@ bool RemoteDirectory::take(RemoteCopy copy, bool changed, std::string& problem) 
         publish(table(), m_surroundings.clock());
         return true;
     }
-    RemoteContacts contacts = readRemoteContacts(copy, m_options.url);
+    RemoteContacts contacts = read(copy);
     if (!contacts.table) {
         problem = contacts.error;
         return false;
     }
-    for (const std::string& each : contacts.problems) {
-        if (m_surroundings.problem) {
-            m_surroundings.problem(each);
-        }
-    }
+    tell(contacts.problems);
     m_copy = std::move(copy);
     const bool isFirst = !table();
     publish(std::move(contacts.table), m_surroundings.clock());
@@ -193,8 +206,8 @@ bool RemoteDirectory::take(RemoteCopy copy, bool changed, std::string& problem) 
         m_surroundings.firstContacts();
     }
     std::string unsaved;
-    if (!saveRemoteCopy(m_copyFile, m_source, m_copy, unsaved) && m_surroundings.problem) {
-        m_surroundings.problem(unsaved);
+    if (!saveRemoteCopy(m_copyFile, m_source, m_copy, unsaved)) {
+        tell({unsaved});
     }
     return true;
 }
@@ -205,6 +218,14 @@ void RemoteDirectory::publish(std::shared_ptr<const ContactTable> table, RemoteS
     m_state.contacts = table->index().size();
     m_state.confirmed = confirmed;
     m_table.swap(table);
+}
+
+void RemoteDirectory::tell(const std::vector<std::string>& problems) const {
+    for (const std::string& problem : problems) {
+        if (m_surroundings.problem) {
+            m_surroundings.problem(problem);
+        }
+    }
 }
 
 // A refresh is over, well when problem is empty.

@@ -26,6 +26,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <vector>
 
 namespace host {
 
@@ -34,7 +35,7 @@ public:
     using TimePoint = RefreshPlan::TimePoint;
 
     // Each may be left out. They are called on the worker's thread, problem also on the one that searches first, with
-    // no lock of the directory held.
+    // no lock of the directory held, and must not ask it for anything.
     struct Surroundings {
         std::function<void(std::string)> problem{}; // told of each problem of a contact: "place:line: reason"
         std::function<void(std::string)> log{};     // told of each refresh in a line
@@ -64,10 +65,12 @@ public:
 
 private:
     void loadOnce();
+    RemoteContacts read(const RemoteCopy& copy) const;
     TimePoint goOn(TimePoint now);
     void finish(TimePoint now);
     bool take(RemoteCopy copy, bool changed, std::string& problem);
     void publish(std::shared_ptr<const ContactTable> table, RemoteState::Time confirmed);
+    void tell(const std::vector<std::string>& problems) const;
     void ended(const std::string& problem);
     std::string noteOn(const RemoteState& state) const;
     std::shared_ptr<const ContactTable> table() const;

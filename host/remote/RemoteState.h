@@ -10,6 +10,7 @@ namespace host {
 struct RemoteState {
     using Time = std::chrono::system_clock::time_point;
 
+    bool isFirstFetch = false; // there is no copy from before
     bool hasContacts = false;
     std::size_t contacts = 0;
     Time confirmed{};          // when the server said last that they are so

@@ -1,5 +1,7 @@
 #include "host/remote/RemoteWorker.h"
 
+#include "host/files/Descriptor.h"
+
 #include <utility>
 
 namespace host {
@@ -19,6 +21,7 @@ RemoteWorker::~RemoteWorker() {
 }
 
 void RemoteWorker::run() {
+    blockBrokenPipe(); // libcurl's TLS writes to sockets that the server may have closed
     std::unique_lock lock(m_mutex);
     while (!m_ending) {
         lock.unlock();

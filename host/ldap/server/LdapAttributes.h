@@ -19,7 +19,7 @@ std::string labelOfAttribute(std::string_view attribute);
 enum class LdapSchema {
     none,
     inetOrgPerson, // RFC 2798
-    enterprise,    // the directory that most companies sign in to
+    enterprise,    // as the directories of enterprises usually are
 };
 
 // Where people of this schema have what a phone looks for; of none, as little as any directory has.

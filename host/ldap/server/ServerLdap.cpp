@@ -7,7 +7,6 @@
 #include "host/ldap/server/SignInPause.h"
 
 #include <poll.h>
-#include <signal.h>
 
 #include <algorithm>
 #include <atomic>
@@ -121,11 +120,7 @@ void ServerLdap::abandon() {
 // Everything from here on runs on the worker thread.
 
 void ServerLdap::run() {
-    // libldap writes to sockets that the server may have closed.
-    sigset_t brokenPipe;
-    sigemptyset(&brokenPipe);
-    sigaddset(&brokenPipe, SIGPIPE);
-    pthread_sigmask(SIG_BLOCK, &brokenPipe, nullptr);
+    blockBrokenPipe(); // libldap writes to sockets that the server may have closed
     for (;;) {
         try {
             Job job = nextJob();

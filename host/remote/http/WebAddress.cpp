@@ -68,6 +68,10 @@ std::optional<WebAddress> parseWebAddress(const std::string& text, std::string& 
     return address;
 }
 
+std::string withoutQuery(const std::string& url) {
+    return url.substr(0, url.find('?'));
+}
+
 std::optional<WebAddress> resolve(const WebAddress& base, const std::string& reference) {
     const Handle handle = parsed(base.url);
     if (!handle || curl_url_set(handle.get(), CURLUPART_URL, reference.c_str(), CURLU_URLENCODE) != CURLUE_OK) {

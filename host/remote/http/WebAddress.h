@@ -19,6 +19,9 @@ struct WebAddress {
 // own.
 std::optional<WebAddress> parseWebAddress(const std::string& text, std::string& problem);
 
+// The address as it may be shown: what stands behind "?" may be a secret.
+std::string withoutQuery(const std::string& url);
+
 // What reference, as a server writes it, means within base: it may be relative. Nothing when it is no such address.
 std::optional<WebAddress> resolve(const WebAddress& base, const std::string& reference);
 

@@ -66,6 +66,9 @@ RemoteNext AddressBookRefresh::takeChanges(const WebAddress& at, const HttpRespo
         m_wanted.clear();
         return askForChanges();
     }
+    if (response.status >= 500 && response.status != 501) {
+        return unusable(response, "what has changed in the address book");
+    }
     if (!answer || answer->syncToken.empty()) {
         return askForMembers();
     }

@@ -33,11 +33,6 @@ bool namesAFile(const std::string& path) {
     return std::any_of(endings.begin(), endings.end(), [&](std::string_view each) { return path.ends_with(each); });
 }
 
-// Without what stands behind "?": it may be a secret.
-std::string shownUrl(const std::string& url) {
-    return url.substr(0, url.find('?'));
-}
-
 WebAddress usable(const std::string& url) {
     std::string ignored;
     return parseWebAddress(url, ignored).value_or(WebAddress());
@@ -73,7 +68,7 @@ void RemoteConversation::admit() {
     if (m_at.url.empty() || (m_task->start.tls && !m_at.tls)) {
         m_at = before;
         fail(
-            "leads from https to " + shownUrl(ask->request.url) +
+            "leads from https to " + withoutQuery(ask->request.url) +
             ", which is not protected; check the server's settings, or name the new address in [remote_directory] url");
         return;
     }
@@ -125,7 +120,7 @@ void RemoteConversation::take(HttpResponse response) {
 }
 
 void RemoteConversation::fail(const std::string& problem, RemoteOutcome::Kind kind) {
-    m_next = RemoteOutcome{kind, shownUrl(m_at.url) + ": " + problem};
+    m_next = RemoteOutcome{kind, withoutQuery(m_at.url) + ": " + problem};
 }
 
 RemoteOutcome unusable(const HttpResponse& response, const std::string& wanted) {

@@ -16,7 +16,8 @@ void readAddress(SettingsSection& section, RemoteOptions& options) {
     options.url = section.text("url");
     std::string problem;
     if (!options.url.empty() && !parseWebAddress(options.url, problem)) {
-        section.refuse("url", options.url.find('@') == std::string::npos ? options.url : "not usable", problem);
+        section.refuse("url", options.url.find('@') == std::string::npos ? withoutQuery(options.url) : "not usable",
+                       problem);
     }
 }
 

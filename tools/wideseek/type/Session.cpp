@@ -39,11 +39,14 @@ void Session::awaitContacts() {
         const auto remote = m_phone.remoteDirectory();
         return interruptedBy() || !remote || remote->hasContacts || remote->refreshes > 0;
     };
-    if (!m_phone.kernel().serveMain(isThere, unnoticed)) {
+    if (m_phone.kernel().serveMain(isThere, unnoticed)) {
+        return;
+    }
+    if (const auto remote = m_phone.remoteDirectory(); remote && remote->isFirstFetch) {
         std::cerr << "wideseek: the contacts of the remote directory are being fetched for the first time ..."
                   << std::endl;
-        m_phone.kernel().serveMain(isThere, firstContactsBound);
     }
+    m_phone.kernel().serveMain(isThere, firstContactsBound);
 }
 
 Outcome Session::type(const std::string& key, int from, int count) {
