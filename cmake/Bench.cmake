@@ -1,9 +1,16 @@
 # The benchmarks: wideseek_bench (bench/search_bench.cpp, bench/search) measures single workloads of the library and its
 # sources, wideseek_session_bench (bench/session_bench.cpp, bench/session) whole typing sessions, wideseek_load_bench
-# (bench/load_bench.cpp) reading contacts. They share the rest of bench.
+# (bench/load_bench.cpp) reading contacts. They share the rest of bench, of which wideseek_phone_bench
+# (bench/phone_bench.cpp) takes what an emulated phone needs.
 
 file(GLOB shared CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/bench/*.cpp")
 list(FILTER shared EXCLUDE REGEX "_bench\\.cpp$")
+add_executable(
+  wideseek_phone_bench
+  "${PROJECT_SOURCE_DIR}/bench/phone_bench.cpp" "${PROJECT_SOURCE_DIR}/bench/search/ThisThread.cpp"
+  "${PROJECT_SOURCE_DIR}/bench/session/Heap.cpp" ${shared})
+target_link_libraries(wideseek_phone_bench PRIVATE wideseek_settings wideseek_objects wideseek_host)
+
 file(GLOB search CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/bench/search/*.cpp")
 file(GLOB session CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/bench/session/*.cpp")
 find_package(benchmark QUIET)

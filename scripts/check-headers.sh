@@ -27,7 +27,7 @@ check_includes() {
 
 check_includes platform "\"platform/[A-Za-z0-9]+\.h\"|$standard"
 check_includes "$module" "\"(platform|$module)/[A-Za-z0-9]+\.h\"|<pugixml\.hpp>|$standard"
-check_includes platform_check "\"((platform|platform_check)/[A-Za-z0-9]+|$shared_records)\.h\"|$standard"
+check_includes platform_check "\"((platform|platform_check)/[A-Za-z0-9]+|$shared_records)\.h\"|<unistd\.h>|$standard"
 check_includes host "\"((host|platform)/[A-Za-z0-9/]+|$shared_records)\.h\"|<.*>"
 check_includes tools "\"((tools|host|platform)/[A-Za-z0-9/]+|$for_callers)\.h\"|<.*>"
 

@@ -34,9 +34,6 @@
 
 namespace {
 
-using ETL_MsgQueueHelper::chMsgProcesser;
-using ETL_MsgQueueHelper::chThreadTimer;
-using ETL_MsgQueueHelper::msgObject;
 using NS_TA::CTaskAction;
 using NS_TA::CTaskActionCallbackBase;
 
