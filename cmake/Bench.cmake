@@ -11,12 +11,13 @@ add_executable(
   "${PROJECT_SOURCE_DIR}/bench/session/Heap.cpp" ${shared})
 target_link_libraries(wideseek_phone_bench PRIVATE wideseek_settings wideseek_objects wideseek_host)
 
+add_executable(wideseek_load_bench "${PROJECT_SOURCE_DIR}/bench/load_bench.cpp" ${shared})
+target_link_libraries(wideseek_load_bench PRIVATE wideseek_settings wideseek_host)
+
 file(GLOB search CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/bench/search/*.cpp")
 file(GLOB session CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/bench/session/*.cpp")
 find_package(benchmark QUIET)
 find_package(SQLite3 QUIET)
-add_executable(wideseek_load_bench "${PROJECT_SOURCE_DIR}/bench/load_bench.cpp" ${shared})
-target_link_libraries(wideseek_load_bench PRIVATE wideseek_settings wideseek_host)
 if(benchmark_FOUND AND SQLite3_FOUND)
   add_executable(wideseek_bench "${PROJECT_SOURCE_DIR}/bench/search_bench.cpp" ${search} ${shared})
   target_link_libraries(wideseek_bench PRIVATE wideseek_settings wideseek_objects wideseek_host benchmark::benchmark)

@@ -1,19 +1,21 @@
 #!/usr/bin/env python3
 """Checks that README.md and docs/ tell the truth about what a reader can try: links lead somewhere, paths and scripts that
-are named exist, commands of sh blocks that use ./run.sh succeed, and console blocks print what they show.
+are named exist, commands of sh blocks that use ./run.sh or scripts/build.sh succeed, programs are built before they are
+named, presets and checks are there, and console blocks print what they show.
 
-Blocks run as on a reader's machine, each page of documents in a folder and with a home of its own. For the console blocks
+Blocks run as on a reader's machine, each page of documents in a folder and with a home of its own; those that build, in the
+source tree. For the console blocks
 behind it, an xml block is wideseek.xml, and a block that begins with a file's name ("# names.sh") is that file. Times
 differ from run to run and are not compared; behind a line "[...]" the comparison goes on with the next line that is shown.
 What needs a terminal (a command that sets TERM) is left out."""
-import os, re, shutil, subprocess, sys, tempfile
+import json, os, re, shutil, subprocess, sys, tempfile
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
-PAGES = [ROOT / "README.md", *sorted((ROOT / "docs").glob("*.md"))]
-FOLDERS = "app|bench|cmake|docs|examples|host|platform|sample|scripts|tests|tools"
+PAGES = [*(ROOT / name for name in ("README.md", "CONTRIBUTING.md", "CHANGELOG.md")), *sorted((ROOT / "docs").glob("*.md"))]
+FOLDERS = "abi|app|bench|cmake|docs|examples|host|platform|sample|scripts|tests|tools"
 MASKED = [(r"\d+(\.\d+)? ms", "- ms"), (r'"ms":[\d.]+', '"ms":-'), (r" +\d+\.\d$", " -"), (r"  +ms$", " ms")]
-SECONDS = 60
+SECONDS, BUILDING_SECONDS = 60, 1200
 problems = []
 
 
@@ -37,10 +39,29 @@ def check_paths(page, text):
                 problems.append(f"{page.name}: there is no {path}")
 
 
-def shell(command, folder):
-    environment = {**os.environ, "HOME": str(folder), "NO_COLOR": "1"}
+def check_programs(page, text):
+    """What a preset builds is named behind a command that builds it, or in the same line."""
+    for match in re.finditer(r"build/(\w+)/wideseek\w*", text):
+        before = text[:text.find("\n", match.end())]
+        also = {"build/release/wideseek": "run", "build/dev/wideseek_tests": "test"}.get(match[0], "build")
+        if not re.search(rf"(build\.sh|check\.sh|--preset) {match[1]}\b|\./{also}\.sh", before):
+            problems.append(f"{page.name}: nothing that precedes {match[0]} builds it")
+
+
+def check_names(page, text):
+    """Presets and checks."""
+    presets = {preset["name"] for preset in json.loads((ROOT / "CMakePresets.json").read_text())["configurePresets"]}
+    checks = re.findall(r"^(?:checks|by_name)=\((.*)\)", (ROOT / "scripts/check.sh").read_text(), re.M)
+    for words, known, what in ((r"(?:--preset|build\.sh) ([a-z]+)", presets, "preset"),
+                               (r"check\.sh ([a-z]+)", " ".join(checks).split(), "check")):
+        for name in set(re.findall(words, text)) - set(known):
+            problems.append(f"{page.name}: there is no {what} {name}")
+
+
+def shell(command, folder, seconds=SECONDS, home=None):
+    environment = {**os.environ, "HOME": str(home or folder), "NO_COLOR": "1"}
     return subprocess.run(["bash", "-c", command], cwd=folder, env=environment, stdin=subprocess.DEVNULL,
-                          stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, timeout=SECONDS)
+                          stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, timeout=seconds)
 
 
 def masked(text):
@@ -64,6 +85,12 @@ def check_console(page, block, folder):
             problems.append(f"{page.name}: {command}\nprints\n{printed}\nand not\n{masked(shown)}")
 
 
+def try_block(page, block, *where, **home):
+    done = shell("set -e\n" + block, *where, **home)
+    if done.returncode != 0:
+        problems.append(f"{page.name}: this fails\n{block}{done.stdout}")
+
+
 def check_blocks(page, text):
     with tempfile.TemporaryDirectory() as name:
         folder = Path(name)
@@ -80,9 +107,9 @@ def check_blocks(page, text):
             elif language == "sh" and "./run.sh" in block:
                 if "./run.sh init" in block:
                     (folder / "myphone").unlink()
-                done = shell("set -e\n" + block, folder)
-                if done.returncode != 0:
-                    problems.append(f"{page.name}: this fails\n{block}{done.stdout}")
+                try_block(page, block, folder)
+            elif language == "sh" and "scripts/build.sh" in block:
+                try_block(page, block, ROOT, BUILDING_SECONDS, home=folder)
 
 
 for page in PAGES:
@@ -90,6 +117,8 @@ for page in PAGES:
     text = page.read_text()
     check_links(page, text)
     check_paths(page, text)
+    check_programs(page, text)
+    check_names(page, text)
     check_blocks(page, text)
 for problem in problems:
     print(f"check-docs: {problem}", file=sys.stderr)
