@@ -8,12 +8,45 @@ namespace NS_WS {
 
 namespace {
 
-// Rows lie far apart in memory. What a match looks at of the next one is on its way while this one is matched.
-void FetchAhead(const CWideseekAction::ItemData& item) {
-    __builtin_prefetch(&item.strName);
-    __builtin_prefetch(&item.strNumber2);
-    __builtin_prefetch(&item.strNameKey);
-}
+// Goes ahead of whoever walks along a list of rows, which lie far apart in memory: what a match looks at is on its way
+// while the rows before it are matched. The rows ahead stay where they are meanwhile.
+class CWalkAhead {
+public:
+    explicit CWalkAhead(const std::list<ItemData>& listItem)
+        : m_itRow(listItem.begin()), m_itText(listItem.begin()), m_itEnd(listItem.end()) {
+        for (int i = 0; i < TEXTS_AHEAD; ++i) {
+            MyFetchRow();
+        }
+        for (int i = 0; i < TEXTS_AHEAD; ++i) {
+            Step();
+        }
+    }
+
+    // With each step of the walk.
+    void Step() {
+        MyFetchRow();
+        if (m_itText != m_itEnd) {
+            __builtin_prefetch(m_itText->strName.data());
+            __builtin_prefetch(m_itText->strNameKey.data());
+            ++m_itText;
+        }
+    }
+
+private:
+    static constexpr int TEXTS_AHEAD = 4; // and as many rows ahead of these
+
+    void MyFetchRow() {
+        if (m_itRow != m_itEnd) {
+            __builtin_prefetch(&m_itRow->strNumber2);
+            __builtin_prefetch(&m_itRow->strNameKey);
+            ++m_itRow;
+        }
+    }
+
+    std::list<ItemData>::const_iterator m_itRow;
+    std::list<ItemData>::const_iterator m_itText;
+    std::list<ItemData>::const_iterator m_itEnd;
+};
 
 } // namespace
 
@@ -46,11 +79,9 @@ int CWideseekAction::MyNarrowRows(const std::string& strKey, int iFirst, int iEn
         }
         const ItemData* pLast = nullptr;
         bool bMatch = false;
-        for (auto it = pBucket->listItem.begin(); it != pBucket->listItem.end();) {
+        CWalkAhead ahead(pBucket->listItem);
+        for (auto it = pBucket->listItem.begin(); it != pBucket->listItem.end(); ahead.Step()) {
             const auto itRow = it++;
-            if (it != pBucket->listItem.end()) {
-                FetchAhead(*it);
-            }
             if (itRow->IsBlank()) {
                 continue;
             }

@@ -170,13 +170,13 @@ void CWideseekAction::MyInsertResult(ResultData* pBucket, OxList<DirectorySearch
 
 // The duplicate rule: for each row the filter is asked, and what it does not hold is recorded there and appended.
 void CWideseekAction::MyMergeRows(ResultData& bucket, std::list<ItemData>& listNew) {
-    for (const FilterPlace& place : InFilterOrder(listNew)) {
-        if (MyIsFilterExist(*place.itRow)) {
-            listNew.erase(place.itRow);
+    VisitInFilterOrder(listNew, [&](auto itRow) {
+        if (MyIsFilterExist(*itRow)) {
+            listNew.erase(itRow);
         } else {
-            MyAddFilter(*place.itRow);
+            MyAddFilter(*itRow);
         }
-    }
+    });
     bucket.listItem.splice(bucket.listItem.end(), listNew);
 }
 
@@ -193,18 +193,17 @@ bool CWideseekAction::MyRemoveFilter(const ItemData& item) {
 }
 
 void CWideseekAction::MyForgetRows(const std::list<ItemData>& listDropped) {
+    if (m_mapFilter.empty()) {
+        return;
+    }
     if (listDropped.size() <= m_mapFilter.size() / 3 * 2) {
-        for (const FilterPlace& place : InFilterOrder(listDropped)) {
-            MyRemoveFilter(*place.itRow);
-        }
+        VisitInFilterOrder(listDropped, [this](auto itRow) { MyRemoveFilter(*itRow); });
         return;
     }
     // To begin anew with the few that are left is less work.
     m_walk.Clear();
     for (const ResultData* pBucket : m_listResultData) {
-        for (const FilterPlace& place : InFilterOrder(pBucket->listItem)) {
-            MyAddFilter(*place.itRow);
-        }
+        VisitInFilterOrder(pBucket->listItem, [this](auto itRow) { MyAddFilter(*itRow); });
     }
 }
 
