@@ -14,7 +14,8 @@ public:
     // problemSink may be empty. It must not ask this source for anything.
     FileDirectory(std::filesystem::path path, ProblemSink problemSink);
 
-    // Fails when the file is not there or no contact can be read from it. Any thread.
+    // Fails when the file is not there or no contact can be read from it. An empty key finds nothing, but has the file
+    // read. Any thread.
     bool search(const std::string& key, OxList<DirectorySearchData>& hits, std::string& error) override;
 
     std::vector<bool> holds(std::span<const NameAndNumber> rows) const override;
