@@ -2,53 +2,10 @@
 
 #include "app/Gui/Logic/Wideseek/WideseekAction.h"
 #include "app/Gui/Logic/Wideseek/WideseekInternal.h"
+#include "app/Gui/Logic/Wideseek/WideseekRowWalk.h"
 #include "app/Gui/Logic/Wideseek/WideseekRows.h"
 
 namespace NS_WS {
-
-namespace {
-
-// Goes ahead of whoever walks along a list of rows, which lie far apart in memory: what a match looks at is on its way
-// while the rows before it are matched. The rows ahead stay where they are meanwhile.
-class CWalkAhead {
-public:
-    explicit CWalkAhead(const std::list<ItemData>& listItem)
-        : m_itRow(listItem.begin()), m_itText(listItem.begin()), m_itEnd(listItem.end()) {
-        for (int i = 0; i < TEXTS_AHEAD; ++i) {
-            MyFetchRow();
-        }
-        for (int i = 0; i < TEXTS_AHEAD; ++i) {
-            Step();
-        }
-    }
-
-    // With each step of the walk.
-    void Step() {
-        MyFetchRow();
-        if (m_itText != m_itEnd) {
-            __builtin_prefetch(m_itText->strName.data());
-            __builtin_prefetch(m_itText->strNameKey.data());
-            ++m_itText;
-        }
-    }
-
-private:
-    static constexpr int TEXTS_AHEAD = 4; // and as many rows ahead of these
-
-    void MyFetchRow() {
-        if (m_itRow != m_itEnd) {
-            __builtin_prefetch(&m_itRow->strNumber2);
-            __builtin_prefetch(&m_itRow->strNameKey);
-            ++m_itRow;
-        }
-    }
-
-    std::list<ItemData>::const_iterator m_itRow;
-    std::list<ItemData>::const_iterator m_itText;
-    std::list<ItemData>::const_iterator m_itEnd;
-};
-
-} // namespace
 
 bool CWideseekAction::MySearchFromResult(std::string strKey, std::string strRawKey) {
     int iFirst = 0;
@@ -79,21 +36,24 @@ int CWideseekAction::MyNarrowRows(const std::string& strKey, int iFirst, int iEn
         }
         const ItemData* pLast = nullptr;
         bool bMatch = false;
-        CWalkAhead ahead(pBucket->listItem);
-        for (auto it = pBucket->listItem.begin(); it != pBucket->listItem.end(); ahead.Step()) {
-            const auto itRow = it++;
-            if (itRow->IsBlank()) {
+        for (CRowWalk walk(pBucket->listItem, pBucket->places); walk.HasRow();) {
+            const ItemData& row = walk.Row();
+            if (row.IsBlank()) {
+                walk.Keep();
                 continue;
             }
-            if (pLast == nullptr || !IsSameContact(*pLast, *itRow)) {
-                bMatch = IsMatch(*itRow, strKey, m_iSearchMode);
+            if (pLast == nullptr || !IsSameContact(*pLast, row)) {
+                bMatch = IsMatch(row, strKey, m_iSearchMode);
             }
-            pLast = &*itRow;
+            pLast = &row;
             if (!bMatch) {
-                listDropped.splice(listDropped.end(), pBucket->listItem, itRow);
-            } else if (cut.Offer(*itRow)) {
-                m_page.Append(*itRow);
+                walk.Drop(listDropped);
+                continue;
             }
+            if (cut.Offer(row)) {
+                m_page.Append(row);
+            }
+            walk.Keep();
         }
     }
     return cut.GetTotal();

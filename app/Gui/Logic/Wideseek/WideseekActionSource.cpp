@@ -122,6 +122,7 @@ bool CWideseekAction::MyReSearchLdap(std::string strKey, std::string /*strRawKey
     }
     // The coming answer must not find its own former rows in the filter.
     std::list<ItemData> listDropped;
+    pBucket->places.Forget();
     listDropped.swap(pBucket->listItem);
     MyForgetRows(listDropped);
     pBucket->iState = RESULT_STATE_SEARCHING;
@@ -170,13 +171,14 @@ void CWideseekAction::MyInsertResult(ResultData* pBucket, OxList<DirectorySearch
 
 // The duplicate rule: for each row the filter is asked, and what it does not hold is recorded there and appended.
 void CWideseekAction::MyMergeRows(ResultData& bucket, std::list<ItemData>& listNew) {
-    VisitInFilterOrder(listNew, [&](auto itRow) {
-        if (MyIsFilterExist(*itRow)) {
-            listNew.erase(itRow);
+    for (const FilterPlace& place : InFilterOrder(listNew)) {
+        if (MyIsFilterExist(*place.itRow)) {
+            listNew.erase(place.itRow);
         } else {
-            MyAddFilter(*itRow);
+            MyAddFilter(*place.itRow);
         }
-    });
+    }
+    bucket.places.Forget();
     bucket.listItem.splice(bucket.listItem.end(), listNew);
 }
 
@@ -197,13 +199,17 @@ void CWideseekAction::MyForgetRows(const std::list<ItemData>& listDropped) {
         return;
     }
     if (listDropped.size() <= m_mapFilter.size() / 3 * 2) {
-        VisitInFilterOrder(listDropped, [this](auto itRow) { MyRemoveFilter(*itRow); });
+        for (const FilterPlace& place : InFilterOrder(listDropped)) {
+            MyRemoveFilter(*place.itRow);
+        }
         return;
     }
     // To begin anew with the few that are left is less work.
     m_walk.Clear();
     for (const ResultData* pBucket : m_listResultData) {
-        VisitInFilterOrder(pBucket->listItem, [this](auto itRow) { MyAddFilter(*itRow); });
+        for (const FilterPlace& place : InFilterOrder(pBucket->listItem)) {
+            MyAddFilter(*place.itRow);
+        }
     }
 }
 

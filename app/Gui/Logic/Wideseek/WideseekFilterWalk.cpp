@@ -70,14 +70,14 @@ bool ItemData::operator<(const ItemData& other) const {
     return iName != 0 ? iName < 0 : strNumber < other.strNumber;
 }
 
-std::vector<FilterPlace> InFilterOrder(const std::list<ItemData>& listItem) {
+CFilterOrder InFilterOrder(const std::list<ItemData>& listItem) {
     std::vector<FilterPlace> vecPlace;
     vecPlace.reserve(listItem.size());
     for (auto it = listItem.begin(); it != listItem.end(); ++it) {
         vecPlace.push_back({BytesFrom(it->strName, 0), it});
     }
     SortByName(vecPlace.begin(), vecPlace.end(), 0);
-    return vecPlace;
+    return CFilterOrder(std::move(vecPlace));
 }
 
 CWideseekFilterWalk::CWideseekFilterWalk(Filter& mapFilter) : m_mapFilter(mapFilter), m_itPlace(mapFilter.end()) {

@@ -4,13 +4,13 @@
 // meets memory that is in no cache. Rows that are brought in the filter's own order stand side by side in it, so the
 // walk remembers where it was last and looks there first:
 //
-//     VisitInFilterOrder(listNew, [&](auto itRow) {
-//         if (walk.Holds(*itRow)) {
-//             listNew.erase(itRow);
+//     for (const FilterPlace& place : InFilterOrder(listNew)) {
+//         if (walk.Holds(*place.itRow)) {
+//             listNew.erase(place.itRow);
 //         } else {
-//             walk.Add(*itRow);
+//             walk.Add(*place.itRow);
 //         }
-//     });
+//     }
 //
 // In any other order the answers are the same and only take longer. Whoever has a walk changes the filter through it
 // and in no other way. Nothing is locked.
@@ -22,6 +22,7 @@
 #include <cstdint>
 #include <list>
 #include <map>
+#include <utility>
 #include <vector>
 
 namespace NS_WS {
@@ -62,9 +63,6 @@ struct FilterPlace {
     std::list<ItemData>::const_iterator itRow;
 };
 
-// The rows in the filter's order; rows that are equal there as they stand in the list.
-std::vector<FilterPlace> InFilterOrder(const std::list<ItemData>& listItem);
-
 // Rows lie far apart in memory. What is looked at first of the rows a few places on is on its way from now on.
 inline void FetchAhead(const FilterPlace* pPlace, const FilterPlace* pEnd) {
     constexpr std::ptrdiff_t ROWS_AHEAD = 16;
@@ -76,14 +74,37 @@ inline void FetchAhead(const FilterPlace* pPlace, const FilterPlace* pEnd) {
     }
 }
 
-// Calls visit with an iterator to each row, in the filter's order. visit may take that row out of the list.
-template <typename Visit> void VisitInFilterOrder(const std::list<ItemData>& listItem, Visit visit) {
-    const std::vector<FilterPlace> vecPlace = InFilterOrder(listItem);
-    const FilterPlace* const pEnd = vecPlace.data() + vecPlace.size();
-    for (const FilterPlace* pPlace = vecPlace.data(); pPlace != pEnd; ++pPlace) {
-        FetchAhead(pPlace, pEnd);
-        visit(pPlace->itRow);
-    }
-}
+// Places for a loop, which may take the row out of the list that it is at.
+class CFilterOrder {
+public:
+    class CStep {
+    public:
+        CStep(const FilterPlace* pPlace, const FilterPlace* pEnd) : m_pPlace(pPlace), m_pEnd(pEnd) {}
+        const FilterPlace& operator*() const { return *m_pPlace; }
+        CStep& operator++() {
+            FetchAhead(m_pPlace, m_pEnd);
+            ++m_pPlace;
+            return *this;
+        }
+        bool operator!=(const CStep& other) const { return m_pPlace != other.m_pPlace; }
+
+    private:
+        const FilterPlace* m_pPlace;
+        const FilterPlace* m_pEnd;
+    };
+
+    explicit CFilterOrder(std::vector<FilterPlace> vecPlace) : m_vecPlace(std::move(vecPlace)) {}
+
+    CStep begin() const { return {m_vecPlace.data(), MyEnd()}; }
+    CStep end() const { return {MyEnd(), MyEnd()}; }
+
+private:
+    const FilterPlace* MyEnd() const { return m_vecPlace.data() + m_vecPlace.size(); }
+
+    std::vector<FilterPlace> m_vecPlace;
+};
+
+// The rows in the filter's order; rows that are equal there as they stand in the list.
+CFilterOrder InFilterOrder(const std::list<ItemData>& listItem);
 
 } // namespace NS_WS
