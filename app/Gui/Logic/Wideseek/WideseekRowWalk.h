@@ -20,6 +20,7 @@
 #include "app/Gui/Logic/Wideseek/WideseekBucket.h"
 
 #include <cstddef>
+#include <iterator>
 #include <list>
 #include <vector>
 
@@ -50,8 +51,25 @@ public:
 private:
     using RowPlace = std::list<ItemData>::iterator;
 
+    // Far enough for memory to answer meanwhile, and near enough for a cache to keep it.
+    static constexpr std::size_t ROWS_AHEAD = 16;
+    static constexpr std::size_t TEXTS_AHEAD = 8;
+
     void MyGoTo(RowPlace itRow);
     void MyGoOn();
+
+    // What a match looks at of a row where it lies.
+    static void MyFetchRow(const ItemData& row) {
+        __builtin_prefetch(&row.strName);
+        __builtin_prefetch(&row.strNumber2);
+        __builtin_prefetch(&row.strNameKey);
+    }
+
+    // And what is too long to lie in it.
+    static void MyFetchTexts(const ItemData& row) {
+        __builtin_prefetch(row.strName.data());
+        __builtin_prefetch(row.strNameKey.data());
+    }
 
     std::list<ItemData>& m_listItem;
     std::vector<RowPlace>& m_vecPlace;
@@ -61,5 +79,38 @@ private:
     RowPlace m_itRow;
     RowPlace m_itNext;
 };
+
+inline void CRowWalk::Keep() {
+    if (m_bPlacesKnown) {
+        m_vecPlace[m_uKept] = m_itRow;
+    } else {
+        m_vecPlace.push_back(m_itRow);
+    }
+    ++m_uKept;
+    MyGoOn();
+}
+
+inline void CRowWalk::MyGoTo(RowPlace itRow) {
+    m_itRow = itRow;
+    if (!m_bPlacesKnown && HasRow()) {
+        m_itNext = std::next(itRow);
+        if (m_itNext != m_listItem.end()) {
+            MyFetchRow(*m_itNext);
+        }
+    }
+}
+
+inline void CRowWalk::MyGoOn() {
+    if (!m_bPlacesKnown) {
+        MyGoTo(m_itNext);
+        return;
+    }
+    ++m_uAt;
+    if (m_uAt + ROWS_AHEAD < m_vecPlace.size()) {
+        MyFetchRow(*m_vecPlace[m_uAt + ROWS_AHEAD]);
+        MyFetchTexts(*m_vecPlace[m_uAt + TEXTS_AHEAD]);
+    }
+    MyGoTo(m_uAt < m_vecPlace.size() ? m_vecPlace[m_uAt] : m_listItem.end());
+}
 
 } // namespace NS_WS
