@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Measures the library and prints the tables of docs/performance.md: times, ratios, instructions, bytes. About ten
-# minutes on two cores; the machine should have nothing else to do.
+# Measures the library and prints the tables of docs/performance.md: times, ratios, instructions, bytes. About
+# twelve minutes on two cores; the machine should have nothing else to do.
 #
 #   scripts/bench.sh            everything
 #   scripts/bench.sh --write    the same, and writes the tables and the plot into docs/performance.md and .svg
