@@ -15,6 +15,9 @@
 //
 // Afterwards the first pages and the totals of some sessions are compared: they must be the same.
 //
+// The library alone answers bursts: up to ten keys, one every 2 ms, and their erasing, from the last key to its page,
+// and against the same key typed alone.
+//
 // Beside that: the two hand-overs of an empty request, which goes before each session; what the caller's thread waits
 // while a full search runs; and the memory that the rows take.
 
@@ -49,6 +52,8 @@ using Json = nlohmann::ordered_json;
 constexpr std::size_t callerRounds = 50;
 constexpr std::size_t pauses = 100;
 constexpr std::chrono::milliseconds pause(10);
+constexpr std::size_t bursts = 25;
+constexpr std::chrono::milliseconds burstGap(2);
 constexpr const char* everybody = "4"; // in every main number
 
 struct Options {
@@ -201,12 +206,33 @@ std::unique_ptr<KeySearch> makeSearch(const std::string& name, const Population&
     return std::make_unique<Fts5Search>(population);
 }
 
+// From the last key of a burst to its page, and from the same key to its page when it is typed alone.
+Json measureBursts(LivePhone& phone, const Population& population) {
+    std::vector<Nanoseconds> typed, typedAlone, erased, erasedAlone;
+    for (const Burst& burst : makeBursts(population, bursts)) {
+        phone.begin();
+        typedAlone.push_back(phone.type(burst.typed.back()).page);
+        phone.begin();
+        typed.push_back(phone.typeBurst(burst.typed, burstGap));
+        erased.push_back(phone.typeBurst(burst.erased, burstGap));
+        phone.begin();
+        erasedAlone.push_back(phone.type(burst.erased.back()).page);
+    }
+    return {{"typed", json(summaryOf(typed))},
+            {"typed alone", json(summaryOf(typedAlone))},
+            {"erased", json(summaryOf(erased))},
+            {"erased alone", json(summaryOf(erasedAlone))}};
+}
+
 // What only the library has: a number of all rows, hand-overs, and work that goes on behind the page.
-void addPhone(LivePhone& phone, const Contestant& contestant, const std::vector<Session>& sessions, Json& result) {
+void addPhone(LivePhone& phone, const Population& population, const Contestant& contestant,
+              const std::vector<Session>& sessions, Json& result) {
     result["empty request"] = json(summaryOf(phone.emptyRequests()));
     result["wideseek, all work"] = groupsOf(contestant.answers, sessions, &Took::work);
     print("wideseek", {{"empty", result["empty request"]}});
     print("all work", result["wideseek, all work"]);
+    result["bursts"] = measureBursts(phone, population);
+    print("bursts", result["bursts"]);
     phone.begin();
     phone.type(everybody);
     phone.type(everybody);
@@ -230,7 +256,7 @@ Json measureSessions(const Options& options, std::size_t contacts, std::size_t& 
         result[contestant.name] = groupsOf(contestant.answers, sessions, &Took::page);
         print(contestant.name, result[contestant.name]);
         if (auto* const phone = dynamic_cast<LivePhone*>(contestant.search.get())) {
-            addPhone(*phone, contestant, sessions, result);
+            addPhone(*phone, population, contestant, sessions, result);
             wrong += differences(*phone, sessions, contestants);
         }
     }

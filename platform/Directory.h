@@ -2,10 +2,13 @@
 //
 // The four query functions take a record whose strKey is set, append the matching contacts to its listResult, and
 // return true on success. On failure, want of memory included, they return false and may have appended some contacts
-// all the same. An empty key is an allowed key. Key and contacts match as CommonAPI_StringMatch and
-// CommonUnits_ToKeyString (CommonAPI.h) decide: a key of keypad digits is looked for in the numbers (without "+") and
-// in the keypad form of the name, any other key in the name, so that a query for a longer key finds a part of what a
-// query for its beginning found. The record stays the caller's. They block until the answer is there. Any thread.
+// all the same. Key and contacts match as CommonAPI_StringMatch and CommonUnits_ToKeyString (CommonAPI.h) decide: a key
+// of keypad digits is looked for in the numbers (without "+") and in the keypad form of the name, any other key in the
+// name, so that a query for a longer key finds a part of what a query for its beginning found. The record stays the
+// caller's. They block until the answer is there. Any thread.
+//
+// An empty key is an allowed key: it tells of a search box that has been cleared. What is found for it is not used, so
+// nothing need be.
 //
 // What of a contact (DirectorySearchData, in WideseekData.h) becomes what of a row: strName its name; each of the three
 // numbers that is not empty one row of its own; strExtra its strExtra2, which a screen gets as it is. The row's

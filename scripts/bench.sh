@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Measures the library and prints the tables of docs/performance.md: times, ratios, instructions, bytes. About ten
-# minutes on two cores; the machine should have nothing else to do.
+# Measures the library and prints the tables of docs/performance.md: times, ratios, instructions, bytes. About
+# twelve minutes on two cores; the machine should have nothing else to do.
 #
 #   scripts/bench.sh            everything
 #   scripts/bench.sh --write    the same, and writes the tables and the plot into docs/performance.md and .svg
@@ -14,13 +14,14 @@ results=build/bench
 programs=build/release
 contacts=(1000 10000 100000)
 counted=(1000 10000)
+on_terminal=(1000 100000)
 typed=200
 least_time=0.02
 write=()
 
 for argument in "$@"; do
     case $argument in
-    --quick) contacts=(1000 10000) counted=(1000) typed=20 least_time=0.005 ;;
+    --quick) contacts=(1000 10000) counted=(1000) on_terminal=(1000) typed=20 least_time=0.005 ;;
     --write) write=(--write docs/performance.md docs/performance.svg) ;;
     *)
         sed -n '2,/^set/{/^#/s/^# \{0,1\}//p}' "$0" >&2
@@ -79,6 +80,9 @@ compared_workloads "${counted[@]}" | xargs -d '\n' -P "$(nproc)" -I{} bash -c 'c
 step "typing sessions"
 "$programs/wideseek_session_bench" --contacts "${contacts[@]}" --typed "$typed" --json "$results/sessions.json" \
     >"$results/sessions.txt"
+
+step "keys on a terminal"
+python3 scripts/bench/keys.py "$programs/wideseek" "$results/keys.json" "${on_terminal[@]}"
 
 step "the library's size"
 cmake "-DSTRIP=$(command -v strip)" "-DLIBRARY=$programs/libWideseek.so" -P cmake/PrintStrippedSize.cmake \

@@ -123,6 +123,18 @@ Took LivePhone::type(const std::string& key) {
     return {m_screen.at - start, *end - start};
 }
 
+Nanoseconds LivePhone::typeBurst(const std::vector<std::string>& keys, Nanoseconds gap) {
+    auto start = Clock::now();
+    for (const std::string& key : keys) {
+        std::this_thread::sleep_until(start + gap);
+        start = Clock::now();
+        request(key);
+    }
+    m_screen.page.strKey.clear();
+    await(keys.back(), [&] { return m_screen.page.strKey == keys.back() && m_phone.isIdle(); });
+    return m_screen.at - start;
+}
+
 Page LivePhone::page() const {
     Page page{static_cast<std::size_t>(m_screen.page.iTotalCount), {}};
     for (const WideseekItemData& row : m_screen.page.listItem) {

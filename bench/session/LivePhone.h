@@ -35,6 +35,10 @@ public:
     Took type(const std::string& key) override;
     Page page() const override;
 
+    // Types keys faster than they can be answered, the next one a gap after the one before, and waits for the page of
+    // the last one and for the end of all work. From the last one's Wideseek_SearchUnion to its page.
+    Nanoseconds typeBurst(const std::vector<std::string>& keys, Nanoseconds gap);
+
     // The times of those two empty requests so far. No source has any contact meanwhile: what the second one takes is
     // what the two hand-overs, caller to search thread to callback object, take by themselves.
     const std::vector<Nanoseconds>& clearings() const { return m_clearings; }

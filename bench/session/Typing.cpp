@@ -5,21 +5,27 @@
 
 #include <random>
 #include <string_view>
+#include <utility>
 
 namespace bench {
 
 namespace {
 
 constexpr std::size_t mostKeys = 8;
+constexpr std::size_t mostInBurst = 10;
+
+std::vector<std::string> beginnings(std::string_view text, std::size_t most) {
+    std::vector<std::string> keys;
+    std::size_t length = 0;
+    while (length < text.size() && keys.size() < most) {
+        length += host::text::firstCharacter(text.substr(length)).size;
+        keys.emplace_back(text.substr(0, length));
+    }
+    return keys;
+}
 
 Session typed(Way way, std::string_view text) {
-    Session session{way, {}};
-    std::size_t length = 0;
-    while (length < text.size() && session.keys.size() < mostKeys) {
-        length += host::text::firstCharacter(text.substr(length)).size;
-        session.keys.emplace_back(text.substr(0, length));
-    }
-    return session;
+    return {way, beginnings(text, mostKeys)};
 }
 
 // One of the contact's numbers as it is typed: without the "+".
@@ -31,14 +37,18 @@ std::string_view numberOf(const DirectorySearchData& contact, std::size_t choice
     return number;
 }
 
+const DirectorySearchData& contactOf(const Population& population, std::size_t i, std::mt19937& random) {
+    const auto& source = population.at(i % sourceCount);
+    return source.at(random() % source.size());
+}
+
 } // namespace
 
 std::vector<Session> makeSessions(const Population& population, std::size_t contacts) {
     std::mt19937 random(8);
     std::vector<Session> sessions;
     for (std::size_t i = 0; i < contacts; ++i) {
-        const auto& source = population.at(i % sourceCount);
-        const DirectorySearchData& contact = source.at(random() % source.size());
+        const DirectorySearchData& contact = contactOf(population, i, random);
         std::string digits;
         host::text::appendKeypadForm(contact.strName, digits);
         sessions.push_back(typed(Way::keypad, digits));
@@ -46,6 +56,18 @@ std::vector<Session> makeSessions(const Population& population, std::size_t cont
         sessions.push_back(typed(Way::text, contact.strName));
     }
     return sessions;
+}
+
+std::vector<Burst> makeBursts(const Population& population, std::size_t contacts) {
+    std::mt19937 random(10);
+    std::vector<Burst> bursts;
+    for (std::size_t i = 0; i < contacts; ++i) {
+        const DirectorySearchData& contact = contactOf(population, i, random);
+        Burst burst{beginnings(numberOf(contact, random()), mostInBurst), {}};
+        burst.erased.assign(burst.typed.rbegin() + 1, burst.typed.rend());
+        bursts.push_back(std::move(burst));
+    }
+    return bursts;
 }
 
 } // namespace bench

@@ -20,4 +20,13 @@ struct Session {
 // Sessions of up to eight keys, one per way, for as many contacts from all sources; the same ones at every run.
 std::vector<Session> makeSessions(const Population& population, std::size_t contacts);
 
+// Keys that come faster than a person thinks, and of which the last one counts.
+struct Burst {
+    std::vector<std::string> typed;  // one of a contact's numbers, digit by digit
+    std::vector<std::string> erased; // the same from behind, but for its first digit
+};
+
+// Bursts of up to ten keys each, for as many contacts from all sources; the same ones at every run.
+std::vector<Burst> makeBursts(const Population& population, std::size_t contacts);
+
 } // namespace bench

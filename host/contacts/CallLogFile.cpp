@@ -126,7 +126,9 @@ bool CallLogFile::search(const std::string& key, OxList<DirectorySearchData>& hi
     if (!log || !log->fromFile) {
         return false;
     }
-    log->people.index().appendMatches(key, hits);
+    if (!key.empty()) {
+        log->people.index().appendMatches(key, hits);
+    }
     return true;
 }
 

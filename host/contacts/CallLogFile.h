@@ -30,7 +30,8 @@ public:
     CallLogFile(std::filesystem::path path, ProblemSink problemSink);
 
     // Offers each name and number that was called or called here once, where its newest call stands. Nameless ones too.
-    // Fails when the file is not there or no call can be read from it. Any thread.
+    // Fails when the file is not there or no call can be read from it. An empty key finds nothing, but has the file
+    // read. Any thread.
     bool search(const std::string& key, OxList<DirectorySearchData>& hits, std::string& error) override;
 
     // Outgoing calls, every one of them. Negative when the file cannot be read and no call was added. Any thread.

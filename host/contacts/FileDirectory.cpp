@@ -86,7 +86,9 @@ bool FileDirectory::search(const std::string& key, OxList<DirectorySearchData>& 
     if (!contacts) {
         return false;
     }
-    contacts->index().appendMatches(key, hits);
+    if (!key.empty()) {
+        contacts->index().appendMatches(key, hits);
+    }
     return true;
 }
 

@@ -18,7 +18,8 @@ public:
     // this source for anything.
     FileDirectory(const std::filesystem::path& path, ProblemSink problemSink);
 
-    // Fails when nothing or more than one of them is there, or no contact can be read from it. Any thread.
+    // Fails when nothing or more than one of them is there, or no contact can be read from it. An empty key finds
+    // nothing, but has the file read. Any thread.
     bool search(const std::string& key, OxList<DirectorySearchData>& hits, std::string& error) override;
 
     std::vector<bool> holds(std::span<const NameAndNumber> rows) const override;

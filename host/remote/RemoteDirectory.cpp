@@ -57,7 +57,9 @@ bool RemoteDirectory::search(const std::string& key, OxList<DirectorySearchData>
                                     : "there are no contacts yet: " + now.problem;
         return false;
     }
-    contacts->index().appendMatches(key, hits);
+    if (!key.empty()) {
+        contacts->index().appendMatches(key, hits);
+    }
     error = noteOn(now);
     return true;
 }

@@ -17,9 +17,10 @@ class ContactSource {
 public:
     virtual ~ContactSource() = default;
 
-    // Appends the contacts that match key (converted; empty matches all) to hits. False: the source failed; error then
-    // says why, for people. Hits may have been appended all the same. With true it may say what is to be known of the
-    // answer, such as how old it is.
+    // Appends the contacts that match key (converted) to hits. An empty key, that of a search box that has been
+    // cleared, need find nothing, as nobody uses what is found for it. False: the source failed; error then says why,
+    // for people. Hits may have been appended all the same. With true it may say what
+    // is to be known of the answer, such as how old it is.
     virtual bool search(const std::string& key, OxList<DirectorySearchData>& hits, std::string& error) = 0;
 };
 

@@ -88,6 +88,24 @@ def targets(data):
                   "all work: total / plain", "total / FTS5", "one digit / plain"], rows)
 
 
+def bursts(data):
+    """From the last key of many that come at once to its page, against the same key alone."""
+    kinds = {"typed": "ten digits, the whole number", "erased": "nine digits erased, to the first one"}
+    rows = []
+    for size in data["sizes"]:
+        for kind, label in kinds.items():
+            burst, alone = size["bursts"][kind], size["bursts"][kind + " alone"]
+            rows.append([f"{size['contacts']:,} contacts: {label}", time(burst["median"]), time(burst["worst"]),
+                         time(alone["median"]), number(burst["median"] / alone["median"])])
+    return table(["", "last key, median", "slowest", "the same key alone", "ratio"], rows)
+
+
+def terminal(measured):
+    return table(["", "median, ms", "99%", "slowest"], [
+        [f"{size['contacts']:,} contacts", ratio(size["median"] / 1e3, 2), time(size["percentile99"]), time(size["worst"])]
+        for size in measured])
+
+
 def caller(data):
     calls = {"hand over": "`Wideseek_SearchUnion`", "reset": "`Wideseek_ResetKey`", "detach": "`Wideseek_ResetCallBack`"}
     moments = {"search": f"during a full search of {data['caller']['rows']:,} rows", "rest": "at rest"}
@@ -156,8 +174,10 @@ def main():
     results = Path(sys.argv[1])
     data = json.loads((results / "sessions.json").read_text())
     size = re.search(r"(\d+) bytes", (results / "size.txt").read_text())[1]
-    sections = {"machine": machine(data), "targets": targets(data), "sessions": sessions(data), "caller": caller(data),
-                "workloads": workloads(results), "memory": memory(data, size)}
+    keys = json.loads((results / "keys.json").read_text())
+    sections = {"machine": machine(data), "targets": targets(data), "sessions": sessions(data), "bursts": bursts(data),
+                "caller": caller(data), "terminal": terminal(keys), "workloads": workloads(results),
+                "memory": memory(data, size)}
     print("\n\n".join(sections.values()))
     if sys.argv[2:3] == ["--write"]:
         put_into(Path(sys.argv[3]), sections)

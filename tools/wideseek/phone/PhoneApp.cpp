@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <ctime>
+#include <new>
 #include <stdexcept>
 #include <utility>
 
@@ -36,7 +37,8 @@ double millisecondsSince(std::chrono::steady_clock::time_point time) {
 } // namespace
 
 PhoneApp::PhoneApp(const host::PhoneOptions& options)
-    : m_terminal(std::in_place), m_phone(options), m_problems(m_phone, m_watch), m_rowSources(m_phone) {
+    : m_terminal(std::in_place), m_phone(options), m_inputWatch([this] { wake(); }), m_problems(m_phone, m_watch),
+      m_rowSources(m_phone) {
     m_phone.setTrace(&m_watch);
     m_phone.watchSourceList();
     m_model.setHeight(linesOnScreen());
@@ -331,12 +333,21 @@ void PhoneApp::paint() {
     paintSearch(m_model, m_status, m_style);
 }
 
+// Without memory, the next look at the terminal has to wait until the kernel asks of itself.
+void PhoneApp::wake() noexcept {
+    try {
+        m_phone.kernel().post(nullptr, {}, {}, "input", [] {});
+    } catch (const std::bad_alloc&) {
+    }
+}
+
 // Until there is something to do; not for long, as a file may be mended or spoilt meanwhile.
 void PhoneApp::wait() {
     const std::size_t unserved = m_inputs.size();
     const bool ldapAsked = m_status.ldapAsked = m_watch.isLdapAsked();
     const auto isAwaited = [&] {
         m_terminal->read(m_inputs);
+        m_inputWatch.arm();
         return m_changed || m_inputs.size() > unserved || interruptedBy() || m_watch.isLdapAsked() != ldapAsked;
     };
     const bool wonders = m_screen && !m_model.isSettled() && !m_status.searching;

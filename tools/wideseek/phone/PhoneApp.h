@@ -14,6 +14,7 @@
 #include "tools/wideseek/phone/screens/PhoneView.h"
 #include "tools/wideseek/phone/screens/RowSources.h"
 #include "tools/wideseek/phone/screens/SideScreen.h"
+#include "tools/wideseek/phone/terminal/InputWatch.h"
 #include "tools/wideseek/phone/terminal/Terminal.h"
 
 #include <chrono>
@@ -59,11 +60,13 @@ private:
     void copy(const std::string& number);
     void collectProblems();
     void paint();
+    void wake() noexcept; // on the input watch's thread
     void wait();
 
     SourceWatch m_watch;                // outlives the phone, which reports to it
     std::optional<Terminal> m_terminal; // before there are threads: it sets the locale
     host::Phone m_phone;
+    InputWatch m_inputWatch;
     Library m_library;
     PhoneProblems m_problems;
     std::optional<Screen> m_screen;

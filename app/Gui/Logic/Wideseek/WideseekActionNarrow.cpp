@@ -2,20 +2,10 @@
 
 #include "app/Gui/Logic/Wideseek/WideseekAction.h"
 #include "app/Gui/Logic/Wideseek/WideseekInternal.h"
+#include "app/Gui/Logic/Wideseek/WideseekRowWalk.h"
 #include "app/Gui/Logic/Wideseek/WideseekRows.h"
 
 namespace NS_WS {
-
-namespace {
-
-// Rows lie far apart in memory. What a match looks at of the next one is on its way while this one is matched.
-void FetchAhead(const CWideseekAction::ItemData& item) {
-    __builtin_prefetch(&item.strName);
-    __builtin_prefetch(&item.strNumber2);
-    __builtin_prefetch(&item.strNameKey);
-}
-
-} // namespace
 
 bool CWideseekAction::MySearchFromResult(std::string strKey, std::string strRawKey) {
     int iFirst = 0;
@@ -46,23 +36,24 @@ int CWideseekAction::MyNarrowRows(const std::string& strKey, int iFirst, int iEn
         }
         const ItemData* pLast = nullptr;
         bool bMatch = false;
-        for (auto it = pBucket->listItem.begin(); it != pBucket->listItem.end();) {
-            const auto itRow = it++;
-            if (it != pBucket->listItem.end()) {
-                FetchAhead(*it);
-            }
-            if (itRow->IsBlank()) {
+        for (CRowWalk walk(pBucket->listItem, pBucket->places); walk.HasRow();) {
+            const ItemData& row = walk.Row();
+            if (row.IsBlank()) {
+                walk.Keep();
                 continue;
             }
-            if (pLast == nullptr || !IsSameContact(*pLast, *itRow)) {
-                bMatch = IsMatch(*itRow, strKey, m_iSearchMode);
+            if (pLast == nullptr || !IsSameContact(*pLast, row)) {
+                bMatch = IsMatch(row, strKey, m_iSearchMode);
             }
-            pLast = &*itRow;
+            pLast = &row;
             if (!bMatch) {
-                listDropped.splice(listDropped.end(), pBucket->listItem, itRow);
-            } else if (cut.Offer(*itRow)) {
-                m_page.Append(*itRow);
+                walk.Drop(listDropped);
+                continue;
             }
+            if (cut.Offer(row)) {
+                m_page.Append(row);
+            }
+            walk.Keep();
         }
     }
     return cut.GetTotal();

@@ -122,6 +122,7 @@ bool CWideseekAction::MyReSearchLdap(std::string strKey, std::string /*strRawKey
     }
     // The coming answer must not find its own former rows in the filter.
     std::list<ItemData> listDropped;
+    pBucket->places.Forget();
     listDropped.swap(pBucket->listItem);
     MyForgetRows(listDropped);
     pBucket->iState = RESULT_STATE_SEARCHING;
@@ -177,6 +178,7 @@ void CWideseekAction::MyMergeRows(ResultData& bucket, std::list<ItemData>& listN
             MyAddFilter(*place.itRow);
         }
     }
+    bucket.places.Forget();
     bucket.listItem.splice(bucket.listItem.end(), listNew);
 }
 
@@ -193,6 +195,9 @@ bool CWideseekAction::MyRemoveFilter(const ItemData& item) {
 }
 
 void CWideseekAction::MyForgetRows(const std::list<ItemData>& listDropped) {
+    if (m_mapFilter.empty()) {
+        return;
+    }
     if (listDropped.size() <= m_mapFilter.size() / 3 * 2) {
         for (const FilterPlace& place : InFilterOrder(listDropped)) {
             MyRemoveFilter(*place.itRow);

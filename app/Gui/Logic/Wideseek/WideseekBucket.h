@@ -1,8 +1,10 @@
-// What a search holds of one source: its bucket, with one row per number. Plain data.
+// What a search holds of one source: its bucket, with one row per number. Plain data, but for the
+// rows' places.
 #pragma once
 
 #include <list>
 #include <string>
+#include <vector>
 
 namespace NS_WS {
 
@@ -39,11 +41,26 @@ enum ResultState {
     RESULT_STATE_FAILED = 4,    // its rows are not shown
 };
 
+// Where the rows of a bucket lie, which its next narrowing walks along (WideseekRowWalk.h). Only walks look at them.
+class CRowPlaces {
+public:
+    CRowPlaces() = default;
+    CRowPlaces(const CRowPlaces&) = delete;
+    CRowPlaces& operator=(const CRowPlaces&) = delete;
+
+    void Forget() noexcept { m_vecPlace.clear(); }
+
+private:
+    friend class CRowWalk;
+    std::vector<std::list<ItemData>::iterator> m_vecPlace; // of all rows in their order, or empty: not known
+};
+
 // The rows of one source, in the order in which it offered them.
 struct ResultData {
     std::list<ItemData> listItem;
     std::string strType; // source id
     int iState = RESULT_STATE_NONE;
+    CRowPlaces places; // of listItem's rows; forgotten by whoever changes listItem
 };
 
 } // namespace NS_WS

@@ -10,13 +10,57 @@ namespace NS_WS {
 
 namespace {
 
-// The first bytes of a name, which compare as the names do where they differ.
-std::uint64_t StartOf(const std::string& strName) {
-    std::uint64_t uStart = 0;
-    for (std::size_t i = 0; i < sizeof uStart; ++i) {
-        uStart = uStart << 8U | (i < strName.size() ? static_cast<unsigned char>(strName[i]) : 0U);
+using Place = std::vector<FilterPlace>::iterator;
+
+// So few are put in order without memory beside them.
+constexpr std::ptrdiff_t FEW_ROWS = 32;
+
+// From so many on, rows that begin alike are put in order by what follows.
+constexpr std::ptrdiff_t MANY_ALIKE = 4;
+
+// A common beginning of more names than this is rare, and then rows are compared after all.
+constexpr std::size_t LONGEST_START = 64;
+
+// The bytes of a name from uFrom on, as many as there is room for, which compare as the names do where they differ.
+std::uint64_t BytesFrom(const std::string& strName, std::size_t uFrom) {
+    std::uint64_t uBytes = 0;
+    for (std::size_t i = uFrom; i < uFrom + sizeof uBytes; ++i) {
+        uBytes = uBytes << 8U | (i < strName.size() ? static_cast<unsigned char>(strName[i]) : 0U);
     }
-    return uStart;
+    return uBytes;
+}
+
+// What is equal stays as it stands.
+template <typename Before> void Sort(Place itFirst, Place itEnd, Before isBefore) {
+    if (itEnd - itFirst > FEW_ROWS) {
+        if (!std::is_sorted(itFirst, itEnd, isBefore)) {
+            std::stable_sort(itFirst, itEnd, isBefore);
+        }
+        return;
+    }
+    for (Place it = itFirst; it != itEnd; ++it) {
+        std::rotate(std::upper_bound(itFirst, it, *it, isBefore), it, std::next(it));
+    }
+}
+
+// The names of the places are alike up to uFrom, and the places hold their bytes from there on. A last byte of 0 says
+// that they end there. Looking at each row once for its next bytes is less work than comparing rows with each other.
+void SortByName(Place itFirst, Place itEnd, std::size_t uFrom) {
+    Sort(itFirst, itEnd, [](const FilterPlace& a, const FilterPlace& b) { return a.uNameBytes < b.uNameBytes; });
+    const std::size_t uNext = uFrom + sizeof itFirst->uNameBytes;
+    while (itFirst != itEnd) {
+        const Place itAlike = itFirst;
+        while (itFirst != itEnd && itFirst->uNameBytes == itAlike->uNameBytes) {
+            FetchAhead(&*itFirst, &*itFirst + (itEnd - itFirst));
+            ++itFirst;
+        }
+        if (itFirst - itAlike < MANY_ALIKE || (itAlike->uNameBytes & 0xFFU) == 0 || uNext >= LONGEST_START) {
+            Sort(itAlike, itFirst, [](const FilterPlace& a, const FilterPlace& b) { return *a.itRow < *b.itRow; });
+            continue;
+        }
+        std::for_each(itAlike, itFirst, [&](FilterPlace& p) { p.uNameBytes = BytesFrom(p.itRow->strName, uNext); });
+        SortByName(itAlike, itFirst, uNext);
+    }
 }
 
 } // namespace
@@ -26,16 +70,14 @@ bool ItemData::operator<(const ItemData& other) const {
     return iName != 0 ? iName < 0 : strNumber < other.strNumber;
 }
 
-std::vector<FilterPlace> InFilterOrder(const std::list<ItemData>& listItem) {
+CFilterOrder InFilterOrder(const std::list<ItemData>& listItem) {
     std::vector<FilterPlace> vecPlace;
     vecPlace.reserve(listItem.size());
     for (auto it = listItem.begin(); it != listItem.end(); ++it) {
-        vecPlace.push_back({StartOf(it->strName), it});
+        vecPlace.push_back({BytesFrom(it->strName, 0), it});
     }
-    std::stable_sort(vecPlace.begin(), vecPlace.end(), [](const FilterPlace& a, const FilterPlace& b) {
-        return a.uNameStart != b.uNameStart ? a.uNameStart < b.uNameStart : *a.itRow < *b.itRow;
-    });
-    return vecPlace;
+    SortByName(vecPlace.begin(), vecPlace.end(), 0);
+    return CFilterOrder(std::move(vecPlace));
 }
 
 CWideseekFilterWalk::CWideseekFilterWalk(Filter& mapFilter) : m_mapFilter(mapFilter), m_itPlace(mapFilter.end()) {
