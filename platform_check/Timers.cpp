@@ -66,12 +66,14 @@ bool waitFor(Trial& trial, const Listener& listener, int expiries) {
 
 void timersAreNotEarly(Trial& trial) {
     constexpr int period = 40;
-    Listener listener;
-    chThreadTimer timer(0);
-    trial.expect(listener.start(timer, period), "SetTimer gave false");
-    if (waitFor(trial, listener, 1)) {
-        const long long taken = listener.sinceStart();
-        trial.expect(taken >= period - 1, "a timer of %d ms expired after %lld ms", period, taken);
+    for (int turn = 0; turn < 3; ++turn) { // a slow machine may hide it
+        Listener listener;
+        chThreadTimer timer(0);
+        trial.expect(listener.start(timer, period), "SetTimer gave false");
+        if (waitFor(trial, listener, 1)) {
+            const long long taken = listener.sinceStart();
+            trial.expect(taken >= period - 1, "a timer of %d ms expired after %lld ms", period, taken);
+        }
     }
 }
 
@@ -94,7 +96,7 @@ void settingStartsAnew(Trial& trial) {
     listener.start(timer, period);
     trial.work(30);
     listener.start(timer, period);
-    if (waitFor(trial, listener, 1)) {
+    if (waitFor(trial, listener, listener.expiries + 1)) {
         const long long taken = listener.sinceStart();
         trial.expect(taken >= period - 1, "a timer of %d ms that was set again expired %lld ms later", period, taken);
     }

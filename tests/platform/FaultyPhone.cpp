@@ -64,7 +64,7 @@ std::string_view upToBlank(std::string_view text) {
 
 void app_log(int, int, const char*, ...) {
     if (has("the log waits")) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
     }
 }
 
@@ -172,7 +172,7 @@ bool chThreadTimer::SetTimer(long long llPeriod, void* pUserData, chMsgProcesser
     if (has("a timer set for nobody goes on") && pProcesser == nullptr) {
         return false;
     }
-    return set(this, has("timers are early") ? llPeriod / 2 : llPeriod, pUserData, pProcesser, pHandler);
+    return set(this, has("timers are early") ? llPeriod / 10 : llPeriod, pUserData, pProcesser, pHandler);
 }
 
 void chThreadTimer::KillTimer() {
@@ -191,10 +191,8 @@ bool chThreadTimer::IsTimerRuning() const {
 void chMsgProcesser::WithdrawMessages() {
     static const auto withdraw =
         own<void(chMsgProcesser*)>("_ZN18ETL_MsgQueueHelper14chMsgProcesser16WithdrawMessagesEv");
-    if (has("withdrawal does not wait")) {
-        std::thread(withdraw, this).detach();
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    } else if (!has("withdrawal removes nothing")) {
+    const bool oneRuns = phone->kernel().pending() == 1; // and nothing is queued
+    if (!has("withdrawal removes nothing") && !(has("withdrawal does not wait") && oneRuns)) {
         withdraw(this);
     }
 }
@@ -329,7 +327,7 @@ int checkPhone(std::string_view group) {
         access.verbose = true;
         return check::runAll(access);
     }
-    access.patience = 400; // a fault may be that something never comes
+    access.patience = 1000; // a fault may be that something never comes
     return check::run({groups.at(group)}, access);
 }
 
