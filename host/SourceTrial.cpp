@@ -28,18 +28,19 @@ constexpr std::chrono::milliseconds lookingPeriod(10);
 // Nobody has this name, and it is looked for as any other one.
 constexpr const char* nobody = "wideseek check";
 
-SourceTrial tryContacts(ContactSource* source) {
+// An empty key has the source read its contacts.
+SourceTrial tryContacts(ContactSource* source, const ContactLookup* contacts) {
     SourceTrial trial;
-    if (source == nullptr) {
+    if (source == nullptr || contacts == nullptr) {
         return trial;
     }
     OxList<DirectorySearchData> hits;
     try {
         trial.outcome = source->search("", hits, trial.problem) ? Outcome::answered : Outcome::failed;
+        trial.contacts = contacts->size();
     } catch (...) {
         trial.problem = reasonOfCurrentException();
     }
-    trial.contacts = hits.Count();
     return trial;
 }
 
@@ -105,10 +106,10 @@ SourceTrial Phone::tryOut(std::string_view name, const GiveUp& giveUp) {
         return {listed ? Outcome::answered : Outcome::failed, false, buddies.listContactId.size()};
     }
     if (name == sourceName::ldap) {
-        return tryContacts(m_ldapFile.get());
+        return tryContacts(m_ldapFile.get(), m_ldapFile.get());
     }
     const auto source = sourceOf(name);
-    return source ? tryContacts(m_core->source(*source).get().get()) : SourceTrial();
+    return source ? tryContacts(m_core->source(*source).get().get(), lookup(name)) : SourceTrial();
 }
 
 } // namespace host

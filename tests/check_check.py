@@ -110,7 +110,8 @@ for options, servers, more in (([], ["failed 0", "answered 1"], [("ldap://127.0.
     ended = run("check", "--root", ROOT, "--json", *options)
     report = json.loads(ended.stdout)
     outcomes = [f'{source["outcome"]} {source["entries"]}' for source in report["sources"]]
-    expect(outcomes == ["answered 2", "absent 0", "absent 0", *servers, "answered 0"] and ended.returncode == 1, ended)
+    expect(outcomes == ["answered 2", "absent 0", "absent 0", *servers, "answered 0"] and ended.returncode == 1,
+           f"what was found out of each: {ended}")
     for (file, line, remedy), told in zip_longest(FOUND + more, report["findings"], fillvalue={}):
         expect(told and told["file"].endswith(file) and told["line"] == line and remedy in told["remedy"] and
                told["reason"], f"{file}: {told}")

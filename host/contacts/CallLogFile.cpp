@@ -158,6 +158,11 @@ std::vector<bool> CallLogFile::holds(std::span<const NameAndNumber> rows) const 
     return log ? log->people.holds(rows) : std::vector<bool>(rows.size());
 }
 
+std::size_t CallLogFile::size() const {
+    const auto log = latest();
+    return log ? log->people.index().size() : 0;
+}
+
 std::optional<KnownContact> CallLogFile::find(const NameAndNumber& row) const {
     const auto log = latest();
     const auto position = log ? log->people.find({&row, 1}).front() : std::nullopt;

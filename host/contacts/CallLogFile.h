@@ -40,6 +40,7 @@ public:
     // People of the log that was last answered from, each with the newest call of the file.
     std::vector<bool> holds(std::span<const NameAndNumber> rows) const override;
     std::optional<KnownContact> find(const NameAndNumber& row) const override;
+    std::size_t size() const override;
 
     // Adds an outgoing call to what is answered from now on; the file stays as it is. Any thread.
     void add(const GeneralDirItemData& call);

@@ -97,6 +97,11 @@ std::vector<bool> FileDirectory::holds(std::span<const NameAndNumber> rows) cons
     return contacts ? contacts->holds(rows) : std::vector<bool>(rows.size());
 }
 
+std::size_t FileDirectory::size() const {
+    const auto contacts = m_contacts.lastRead();
+    return contacts ? contacts->index().size() : 0;
+}
+
 std::optional<KnownContact> FileDirectory::find(const NameAndNumber& row) const {
     const auto contacts = m_contacts.lastRead();
     return contacts ? contacts->known(row) : std::nullopt;

@@ -24,6 +24,7 @@ public:
 
     std::vector<bool> holds(std::span<const NameAndNumber> rows) const override;
     std::optional<KnownContact> find(const NameAndNumber& row) const override;
+    std::size_t size() const override;
 
 private:
     std::optional<FileStamp> look(std::string& error);

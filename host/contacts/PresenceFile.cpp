@@ -103,6 +103,11 @@ std::vector<bool> PresenceFile::holds(std::span<const NameAndNumber> rows) const
     return buddies ? buddies->table.holds(rows) : std::vector<bool>(rows.size());
 }
 
+std::size_t PresenceFile::size() const {
+    const auto buddies = m_file.lastRead();
+    return buddies ? buddies->infos.size() : 0;
+}
+
 std::optional<KnownContact> PresenceFile::find(const NameAndNumber& row) const {
     const auto buddies = m_file.lastRead();
     const auto position = buddies ? buddies->table.find({&row, 1}).front() : std::nullopt;

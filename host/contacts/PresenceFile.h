@@ -40,6 +40,7 @@ public:
 
     std::vector<bool> holds(std::span<const NameAndNumber> rows) const override;
     std::optional<KnownContact> find(const NameAndNumber& row) const override;
+    std::size_t size() const override;
 
 private:
     struct Buddies {

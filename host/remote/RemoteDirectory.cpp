@@ -57,9 +57,7 @@ bool RemoteDirectory::search(const std::string& key, OxList<DirectorySearchData>
                                     : "there are no contacts yet: " + now.problem;
         return false;
     }
-    if (!key.empty()) {
-        contacts->index().appendMatches(key, hits);
-    }
+    contacts->index().appendMatches(key, hits);
     error = noteOn(now);
     return true;
 }

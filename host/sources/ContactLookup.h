@@ -12,6 +12,7 @@
 
 #include "host/sources/Contact.h"
 
+#include <cstddef>
 #include <optional>
 #include <span>
 #include <string>
@@ -46,6 +47,9 @@ public:
 
     // The first contact of that name with that number. Any thread.
     virtual std::optional<KnownContact> find(const NameAndNumber& row) const = 0;
+
+    // How many contacts are held. Any thread.
+    virtual std::size_t size() const = 0;
 };
 
 } // namespace host

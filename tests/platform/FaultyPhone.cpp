@@ -256,7 +256,7 @@ bool Directory_LocalDirWideseek(WideseekItemListData* pData) {
         own<bool(WideseekItemListData*)>("_Z26Directory_LocalDirWideseekP20WideseekItemListData");
     const bool answered = search(pData);
     const auto* first = pData->listResult.Begin();
-    if (has("a source drops a contact for short keys") && pData->strKey.size() == 1 && pData->listResult.Count() > 0) {
+    if (has("a source drops a contact for short keys") && pData->strKey.size() == 2 && pData->listResult.Count() > 0) {
         pData->listResult.Clear();
     } else if (has("a source finds too much") && pData->listResult.Count() > 0) {
         pData->listResult.PushBack({first->value.strName + "~", "", "", "", ""});

@@ -1,6 +1,8 @@
 #include "host/ldap/server/LdapAnswers.h"
 
 #include <algorithm>
+#include <functional>
+#include <numeric>
 #include <utility>
 
 namespace host {
@@ -36,6 +38,12 @@ std::optional<KnownContact> LdapAnswers::find(const NameAndNumber& row) const {
     const std::lock_guard lock(m_mutex);
     const LdapPerson* const person = personOf(row);
     return person != nullptr ? std::optional(KnownContact{person->numbers, person->facts}) : std::nullopt;
+}
+
+std::size_t LdapAnswers::size() const {
+    const std::lock_guard lock(m_mutex);
+    return std::transform_reduce(m_answers.begin(), m_answers.end(), std::size_t{0}, std::plus<>(),
+                                 [](const std::vector<LdapPerson>& people) { return people.size(); });
 }
 
 // With the mutex held; null: nobody is.

@@ -5,6 +5,7 @@
 #include "host/ldap/server/LdapPeople.h"
 #include "host/sources/ContactLookup.h"
 
+#include <cstddef>
 #include <deque>
 #include <mutex>
 #include <vector>
@@ -21,6 +22,7 @@ public:
     // As ContactLookup.h says.
     std::vector<bool> holds(std::span<const NameAndNumber> rows) const;
     std::optional<KnownContact> find(const NameAndNumber& row) const;
+    std::size_t size() const;
 
 private:
     const LdapPerson* personOf(const NameAndNumber& row) const;

@@ -53,6 +53,7 @@ public:
 
     std::vector<bool> holds(std::span<const NameAndNumber> rows) const override { return m_answers.holds(rows); }
     std::optional<KnownContact> find(const NameAndNumber& row) const override { return m_answers.find(row); }
+    std::size_t size() const override { return m_answers.size(); }
 
 private:
     void run();
