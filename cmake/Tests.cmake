@@ -31,6 +31,9 @@ foreach(tests IN LISTS programs)
   gtest_discover_tests(${tests} DISCOVERY_TIMEOUT 120 PROPERTIES TIMEOUT 300)
 endforeach()
 
+# All that the tests need but the tool, for builds in which nobody runs the tool.
+add_custom_target(wideseek_test_programs DEPENDS ${programs})
+
 file(GLOB checks CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/tests/*_check.sh" "${PROJECT_SOURCE_DIR}/tests/*_check.py")
 foreach(check IN LISTS checks)
   cmake_path(GET check STEM name)

@@ -37,7 +37,8 @@ text
 kernel
 sources
 files         text
-contacts      text files sources
+formats       text files sources
+contacts      text files sources formats
 ldap/server   text files sources
 ldap          kernel sources
 .             text kernel sources files contacts ldap/server ldap

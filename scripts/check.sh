@@ -33,22 +33,22 @@ by_name=(arm)
 test_preset() {
     local as_is=()
     setarch -R true 2>/dev/null && as_is=(setarch -R)
-    "${as_is[@]}" scripts/build.sh "$1"
     # The checks that run the tool or build against the library say nothing new here; ./test.sh runs them.
+    "${as_is[@]}" scripts/build.sh "$1" wideseek_test_programs
     "${as_is[@]}" ctest --preset "$1" -E "_check\$${2:+|$2}"
 }
 
 check_fuzz() {
     local target name corpus
-    scripts/build.sh fuzz
+    scripts/build.sh asan wideseek_fuzz_targets
     for target in tests/fuzz/*_fuzz.cpp; do
         [[ -e $target ]] || continue
         name=$(basename "$target" .cpp)
-        corpus=build/fuzz/corpus/$name
+        corpus=build/fuzz/$name
         mkdir -p "$corpus"
         echo "$name, ${WIDESEEK_FUZZ_SECONDS:=15} seconds"
-        "build/fuzz/$name" -max_total_time="$WIDESEEK_FUZZ_SECONDS" -timeout=60 -verbosity=0 -print_final_stats=1 \
-            -artifact_prefix="build/fuzz/" "$corpus" "tests/fuzz/corpus/${name%_fuzz}"
+        "build/asan/$name" -max_total_time="$WIDESEEK_FUZZ_SECONDS" -timeout=60 -verbosity=0 -print_final_stats=1 \
+            -artifact_prefix="build/fuzz/$name-" "$corpus" "tests/fuzz/corpus/${name%_fuzz}"
     done
 }
 

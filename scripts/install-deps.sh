@@ -15,7 +15,7 @@ set -euo pipefail
 declare -A packages=(
     [run]="g++ cmake ninja-build pkg-config libpugixml-dev libutf8proc-dev libcsv-dev libinih-dev libldap-dev
            libcli11-dev nlohmann-json3-dev libncurses-dev"
-    [test]="libgtest-dev libgmock-dev slapd ldap-utils openssl tmux python3"
+    [test]="libgtest-dev libgmock-dev slapd ldap-utils openssl tmux fzf python3"
     [check]="clang clang-tidy clang-format libclang-rt-14-dev binutils"
     [bench]="libbenchmark-dev libsqlite3-dev valgrind binutils python3"
     [arm]="g++-arm-linux-gnueabihf qemu-user"

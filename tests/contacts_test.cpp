@@ -32,6 +32,11 @@ std::string shown(const DirectorySearchData& c) {
     return c.strName + "|" + c.strNumber1 + "|" + c.strNumber2 + "|" + c.strNumber3 + "|" + c.strExtra;
 }
 
+std::string shown(const host::Contact& c) {
+    const auto number = [&](std::size_t i) { return i < c.numbers.size() ? c.numbers[i].number : ""; };
+    return shown({c.name, number(0), number(1), number(2), c.extra});
+}
+
 Strings shown(const OxList<DirectorySearchData>& hits) {
     Strings lines;
     for (const auto* node = hits.Begin(); node != hits.End(); node = node->pNext) {
@@ -200,12 +205,12 @@ TEST(ContactFiles, KeepEveryContactThatCanBeReadAndNameTheLineOfEveryOther) {
         {"Ann\nBo\n", {}, {"f:1: the column \"Ann\"", "f:1: names no known column"}},
         {"#\n\n", {}, {"f: is empty"}},
         {"na\"me,number\nAnn,1\n", {}, {"f:1: a quotation mark"}},
-        {"\xFF\xFEn\0a\0"s, {}, {"f:1: is UTF-16"}},
+        {"\xFF\xFEn\0a\0"s, {}, {"f: is UTF-16"}},
     };
     for (const auto& [bytes, contacts, problems] : cases) {
         Strings lines;
-        host::ContactFile read = host::readContacts(
-            bytes, "f", [&](const DirectorySearchData& contact) { lines.push_back(shown(contact)); });
+        host::ReadContacts read =
+            host::readContacts(bytes, "f", [&](const host::Contact& contact) { lines.push_back(shown(contact)); });
         EXPECT_EQ(read.error.empty(), !contacts.empty()) << read.error;
         read.problems.push_back(read.error);
         EXPECT_EQ(lines, contacts) << bytes;
@@ -284,8 +289,8 @@ std::string known(const host::ContactLookup& lookup, const std::string& name, co
     const auto contact = lookup.find(rows[1]);
     EXPECT_EQ(lookup.holds(rows), (std::vector<bool>{false, contact.has_value()})) << name << number;
     std::string text = contact ? "" : "not held";
-    for (const std::string& each : contact ? contact->numbers : Strings()) {
-        text += each + " ";
+    for (const auto& each : contact ? contact->numbers : std::vector<host::ContactNumber>()) {
+        text += std::string(nameOf(each.kind)) + each.number + " ";
     }
     for (const auto& fact : contact ? contact->facts : std::vector<host::KnownContact::Fact>()) {
         text += fact.label + "=" + fact.value + " ";
@@ -316,6 +321,54 @@ TEST_F(Files, FindTheContactOfARowAgainAsItWasReadLast) {
     EXPECT_EQ(known(directory, "Bo", "6"), "6 ") << "what was searched last";
     found(directory, "");
     EXPECT_EQ(known(directory, "Bo", "6") + known(directory, "Bo", "7"), "not held7 ");
+}
+
+TEST_F(Files, OfferAContactOfManyNumbersAsSeveralAndKnowTheKindOfEach) {
+    host::FileDirectory directory(m_path, m_sink);
+    write("name,Work,number,mobile,work2,fax,extra,organisation,email\nAnn,1,2,3,4,5,,Ltd,a@example.com\nBo,,,6,,,x\n");
+    EXPECT_EQ(found(directory, "ann"), (Strings{"Ann|1|2|3|Ltd", "Ann|4|5||Ltd"}));
+    EXPECT_EQ(found(directory, "5"), Strings{"Ann|4|5||Ltd"});
+    for (const std::string number : {"1", "5"}) {
+        EXPECT_EQ(known(directory, "Ann", number), "work1 2 mobile3 work4 fax5 Organisation=Ltd Email=a@example.com ");
+    }
+    EXPECT_EQ(known(directory, "Bo", "6"), "mobile6 Extra=x ");
+    EXPECT_EQ(m_problems, Strings());
+}
+
+TEST_F(Files, MayBeVCardsOrAFolderOfThemButNotTwoOfTheseAtATime) {
+    host::FileDirectory directory(m_path, m_sink);
+    const auto card = [](const std::string& name) { return "BEGIN:VCARD\nFN:" + name + "\nTEL:1\nEND:VCARD\n"; };
+    const auto file = m_path.parent_path() / "contacts.vcf";
+    const auto folder = m_path.parent_path() / "contacts";
+    m_root.write("contacts.vcf", card("Ann") + "BEGIN:VCARD\n");
+    EXPECT_EQ(found(directory, "1"), Strings{"Ann|1|||"});
+    EXPECT_EQ(m_problems.size(), 2U) << testing::PrintToString(m_problems);
+    std::filesystem::create_directory(folder);
+    EXPECT_NE(found(directory, "1").front().find("contacts.vcf: contacts/ is there as well; keep one"),
+              std::string::npos);
+    std::filesystem::remove(file);
+    EXPECT_EQ(found(directory, "1"), Strings{}) << "an empty folder";
+    m_root.write("contacts/b.vcf", card("Bo"));
+    m_root.write("contacts/a.VCF", card("Al"));
+    m_root.write("contacts/.c.vcf", card("Cy"));
+    m_root.write("contacts/note.txt", "no card");
+    m_root.write("contacts/z.vcf", "no card");
+    EXPECT_EQ(found(directory, "1"), (Strings{"Al|1|||", "Bo|1|||"}));
+    EXPECT_NE(m_problems.back().find("z.vcf: holds no vCard"), std::string::npos);
+    const auto longAgo = std::filesystem::file_time_type::clock::now() - std::chrono::minutes(1);
+    std::filesystem::last_write_time(folder / "b.vcf", longAgo);
+    std::filesystem::last_write_time(folder / "a.VCF", longAgo);
+    std::filesystem::last_write_time(folder / "z.vcf", longAgo);
+    std::filesystem::last_write_time(folder, longAgo);
+    found(directory, "1");
+    m_root.write("contacts/b.vcf", card("Ed")); // in its place: the folder itself stays as it is
+    Strings now;
+    for (int i = 0; i < 1'000'000 && now != Strings{"Al|1|||", "Ed|1|||"}; ++i) {
+        now = found(directory, "1");
+    }
+    EXPECT_EQ(now, (Strings{"Al|1|||", "Ed|1|||"}));
+    write("name,number\nDi,1\n");
+    EXPECT_NE(found(directory, "1").front().find("contacts.csv: contacts/ is there as well"), std::string::npos);
 }
 
 TEST_F(Files, AreSearchedByManyThreadsWhileTheyChange) {

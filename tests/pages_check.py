@@ -1,6 +1,8 @@
 #!/usr/bin/env -S python3 -B
 """Uses `wideseek pages` as another program does: request by request, all at once, wrongly, and leaving it alone."""
 import json, signal, subprocess, time
+from concurrent.futures import ThreadPoolExecutor
+from itertools import product
 
 from checking import ROOT, TOOL, expect, finish, list_sources, run, write
 
@@ -78,8 +80,35 @@ expect(pages.code == 0 and [json.loads(line)["late"] for line in pages.rest.spli
 told = pages.err.decode()
 expect(told.count("wideseek: ") == told.count("remote_directory.csv") == 1, f"the missing file: {told}")
 
-# Bad input is answered with its id where there is one, and the next line is served.
+# A reader who goes away and a signal end it wherever it is: idle, waiting for LDAP, or writing what nobody reads.
 good = b'{"id": "good", "key": "2"}\n'
+slow = ["--ldap-delay", "60000"]
+
+
+def check_end(case):
+    (state, requests, replies), (sign, code) = case
+    with Pages(*slow) as pages:
+        pages.send(requests)
+        for _ in range(replies):
+            pages.next()
+        time.sleep(0.1)
+        if sign:
+            pages.process.send_signal(sign)
+        else:
+            pages.process.stdout.close()
+        try:
+            pages.process.wait(20)
+        except subprocess.TimeoutExpired:
+            pages.process.kill()
+        err = pages.process.stderr.read()
+    expect(pages.code == code and err.count(b"\n") <= 2, f"{state}, {sign}: ended with {pages.code}: {err}")
+
+
+states = ("idle", b'{"key": ""}\n', 1), ("waiting", good, 1), ("writing", good * 2000, 0)
+ends = ThreadPoolExecutor(9)  # beside what follows, as some take three seconds
+ended = ends.map(check_end, product(states, ((None, 0), (signal.SIGINT, 130), (signal.SIGTERM, 143))))
+
+# Bad input is answered with its id where there is one, and the next line is served.
 for line, id, words in [
     (b"", None, "not JSON from byte 1 on"), (b"\x00\xff\xfe", None, "not JSON"), (b'["key"]', None, "not an object"),
     (b'{"key": "5", "id": 1', None, "not JSON"), (b'{"key": "\\ud800"}', None, "not JSON"),
@@ -106,7 +135,6 @@ newest = [(reply["id"], reply["late"]) for reply in replies[-2:]]
 expect(newest == [(29999, False), (29999, True)], f"the newest: {newest}")
 
 # The end of input, with a search that takes long; a time limit ends what never answers.
-slow = ["--ldap-delay", "60000"]
 code, replies = serve(good, "--abandon", *slow)
 expect(code == 0 and replies == [{"id": "good", "request": 1, "abandoned": True}], f"abandoned at the end: {code} {replies}")
 with Pages("--abandon", *slow) as pages:
@@ -114,37 +142,24 @@ with Pages("--abandon", *slow) as pages:
     pages.next()
 expect(pages.code == 0 and pages.rest == b"" and pages.seconds < 3, f"the end is held up: {pages.code}, {pages.seconds} s")
 
-# A reader who goes away and a signal end it wherever it is: idle, waiting for LDAP, or writing what nobody reads.
-for state, requests, replies in ("idle", b'{"key": ""}\n', 1), ("waiting", good, 1), ("writing", good * 2000, 0):
-    for sign, code in (None, 0), (signal.SIGINT, 130), (signal.SIGTERM, 143):
-        with Pages(*slow) as pages:
-            pages.send(requests)
-            for _ in range(replies):
-                pages.next()
-            time.sleep(0.1)
-            if sign:
-                pages.process.send_signal(sign)
-            else:
-                pages.process.stdout.close()
-            try:
-                pages.process.wait(10)
-            except subprocess.TimeoutExpired:
-                pages.process.kill()
-            err = pages.process.stderr.read()
-        expect(pages.code == code and err.count(b"\n") <= 2, f"{state}, {sign}: ended with {pages.code}: {err}")
 with open("/dev/full", "w") as full:
     lost = run("pages", "--root", ROOT, input=good, capture_output=False, stdout=full, stderr=subprocess.PIPE)
     expect(lost.returncode == 1 and b"could not be written: No space" in lost.stderr, f"a full disk: {lost}")
+
+list(ended)
 
 # While it runs, another source list is read; one of its sources never answers, so there is no page, which is told.
 with Pages() as pages:
     pages.send({"id": 1, "key": "5301"})
     before = [pages.next()["total"] for _ in range(2)]
     list_sources("remote_directory_search", "nobody_search")
-    time.sleep(1.5)
-    pages.send({"id": 2, "key": "5301"})
-    after = pages.next()
-expect(before == [1, 1] and after["id"] == 2 and "no page" in after["error"], f"changed source list: {before}, {after}")
+    for _ in range(200):  # the file is looked at twice a second
+        time.sleep(0.05)
+        pages.send({"id": 2, "key": "5301"})
+        after = pages.next()
+        if "error" in after:
+            break
+expect(before == [1, 1] and after["id"] == 2 and "no page" in after.get("error", ""), f"changed source list: {before}, {after}")
 expect(pages.code == 1 and b'warning: the phone has no source "nobody_search"' in pages.err, f"its mistake: {pages.err}")
 list_sources("remote_directory_search")
 alone = run("pages", "--root", ROOT, input=good)

@@ -59,7 +59,7 @@ TEST_F(PresenceFile, ABuddyMatchesByItsNameAndFirstThreeNumbers) {
     EXPECT_EQ(info.iInfo, 6);
     const auto known = file.find({"Zoë Ångström", "33"});
     ASSERT_TRUE(known);
-    EXPECT_EQ(known->numbers, (std::vector<std::string>{"+493012", "33"})) << "the row's and the others that match";
+    EXPECT_EQ(known->numbers, (std::vector<host::ContactNumber>{{"+493012"}, {"33"}})) << "the row's and the others that match";
     EXPECT_EQ(known->facts.size(), 7U) << "three informations and the four attributes that are not empty";
     EXPECT_FALSE(file.find({"Zoë Ångström", "44"}));
     std::string attributes;

@@ -66,7 +66,7 @@ ReloadedFile<std::vector<LoggedCall>>::Made readCalls(std::string_view bytes, co
             reader.addProblem("has neither a name nor a number - add one; line skipped");
         } else {
             calls.push_back({std::string(time), *direction, std::string(reader.field(nameColumn)),
-                             readNumber(reader, numberColumn), std::string(reader.field(extraColumn))});
+                             readNumber(reader, reader.field(numberColumn)), std::string(reader.field(extraColumn))});
         }
     }
     if (!reader.error().empty()) {

@@ -1,10 +1,14 @@
 #include "host/contacts/ContactTable.h"
 
+#include "host/contacts/PackedText.h"
+
 #include <algorithm>
 #include <array>
 #include <bitset>
 #include <functional>
+#include <iterator>
 #include <string_view>
+#include <utility>
 
 namespace host {
 
@@ -45,7 +49,78 @@ private:
     std::vector<std::uint32_t> m_marks;
 };
 
+// Whether there is more to know of it than a search offers at one position.
+bool hasDetails(const Contact& contact) {
+    return contact.numbers.size() > numbersPerContact || !contact.facts.empty() ||
+           std::any_of(contact.numbers.begin(), contact.numbers.end(),
+                       [](const ContactNumber& number) { return number.kind != NumberKind::unknown; });
+}
+
 } // namespace
+
+void ContactTable::add(const Contact& contact) {
+    const std::size_t first = m_index.size();
+    const std::string extra = extraOf(contact);
+    std::size_t next = 0;
+    do {
+        DirectorySearchData offered{contact.name, {}, {}, {}, extra};
+        for (std::string* number : {&offered.strNumber1, &offered.strNumber2, &offered.strNumber3}) {
+            if (next < contact.numbers.size()) {
+                *number = contact.numbers[next++].number;
+            }
+        }
+        add(offered);
+    } while (next < contact.numbers.size());
+    if (hasDetails(contact)) {
+        keepDetails(contact, first);
+    }
+}
+
+void ContactTable::keepDetails(const Contact& contact, std::size_t first) {
+    m_details.push_back({first, m_index.size(), m_detailBytes.size()});
+    packNumber(m_detailBytes, static_cast<int>(contact.numbers.size()));
+    for (const ContactNumber& number : contact.numbers) {
+        packText(m_detailBytes, number.number);
+        packNumber(m_detailBytes, static_cast<int>(number.kind));
+    }
+    packText(m_detailBytes, contact.extra);
+    packNumber(m_detailBytes, static_cast<int>(contact.facts.size()));
+    for (const Contact::Fact& fact : contact.facts) {
+        packNumber(m_detailBytes, static_cast<int>(fact.kind));
+        packText(m_detailBytes, fact.value);
+    }
+}
+
+KnownContact ContactTable::unpacked(const Details& details) const {
+    PackedText from(std::string_view(m_detailBytes).substr(details.begin));
+    KnownContact known;
+    for (int left = from.number(); left > 0; --left) {
+        std::string number = from.text();
+        known.numbers.push_back({std::move(number), static_cast<NumberKind>(from.number())});
+    }
+    if (std::string extra = from.text(); !extra.empty()) {
+        known.facts.push_back({"Extra", std::move(extra)});
+    }
+    for (int left = from.number(); left > 0; --left) {
+        const auto kind = static_cast<FactKind>(from.number());
+        known.facts.push_back({labelOf(kind), from.text()});
+    }
+    return known;
+}
+
+KnownContact ContactTable::knownAt(std::size_t position) const {
+    const auto behind = std::upper_bound(m_details.begin(), m_details.end(), position,
+                                         [](std::size_t at, const Details& details) { return at < details.first; });
+    if (behind != m_details.begin() && position < std::prev(behind)->end) {
+        return unpacked(*std::prev(behind));
+    }
+    return knownContactOf(at(position));
+}
+
+std::optional<KnownContact> ContactTable::known(const NameAndNumber& row) const {
+    const auto position = find({&row, 1}).front();
+    return position ? std::optional(knownAt(*position)) : std::nullopt;
+}
 
 void ContactTable::add(const DirectorySearchData& contact) {
     const std::size_t nameHash = std::hash<std::string_view>()(contact.strName);
@@ -91,7 +166,7 @@ KnownContact knownContactOf(const DirectorySearchData& contact) {
     KnownContact known;
     for (const std::string* number : numbersOf(contact)) {
         if (!number->empty()) {
-            known.numbers.push_back(*number);
+            known.numbers.push_back({*number});
         }
     }
     if (!contact.strExtra.empty()) {

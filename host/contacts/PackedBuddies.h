@@ -6,7 +6,6 @@
 
 #include <cstddef>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace host {
@@ -25,11 +24,6 @@ public:
     PresenceInfo at(std::size_t position) const;
 
 private:
-    class Unpacker;
-
-    void pack(int number);
-    void pack(std::string_view text);
-
     std::string m_bytes;
     std::vector<std::size_t> m_begins; // of each buddy in m_bytes
 };

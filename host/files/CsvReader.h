@@ -1,17 +1,11 @@
-// Reads a table from comma-separated values (RFC 4180) whose first line names the columns, in any order.
-//
-// Blank lines and lines that start with "#" are skipped, a byte order mark too. A malformed line becomes a problem and
-// is skipped; reading goes on with the next line, so that a quotation mark too many costs one line and not the rest of
-// the file. A line number is that of the line on which a row begins.
+// Reads a table from comma-separated values (CsvRows.h) whose first line names the columns, in any order.
 //
 //     CsvReader reader(bytes, "contacts.csv", columns);
 //     while (reader.next()) { use(reader.field(nameColumn)); }
 //     if (!reader.error().empty()) ...
 #pragma once
 
-#include "host/files/Problems.h"
-
-#include <csv.h>
+#include "host/files/CsvRows.h"
 
 #include <cstddef>
 #include <span>
@@ -23,67 +17,51 @@ namespace host {
 
 struct CsvColumn {
     std::string_view name;
-    std::string_view otherName = {}; // for the same column
-    bool needed = false;             // the table cannot be read without it
+    bool needed = false;   // the table cannot be read without it
+    bool repeated = false; // any number of columns may be this one, also with digits behind the name: number, number2
 };
 
 class CsvReader {
 public:
-    // text and columns must outlive the reader; file is what problems name.
-    CsvReader(std::string_view text, std::string file, std::span<const CsvColumn> columns);
-    ~CsvReader();
-    CsvReader(const CsvReader&) = delete;
-    CsvReader& operator=(const CsvReader&) = delete;
-
-    // Goes to the next row. False at the end, and at once when the table cannot be read (error()).
-    bool next();
-
-    // The text of this column (a position in columns) in the row, without the blanks around it; empty when the row has
-    // no such column. Valid until next().
-    std::string_view field(std::size_t column) const;
-
-    // Adds a problem of the current row: what is wrong, and what to do.
-    void addProblem(std::string_view reason);
-
-    // Why the table cannot be read; empty when it can.
-    const std::string& error() const { return m_error; }
-
-    // Takes the problems: "file:line: reason", in the order of the lines.
-    std::vector<std::string> problems() { return m_problems.take(); }
-
-private:
-    void initParser();
-    void readHeader();
-    void nameColumn(std::size_t place, std::string_view name);
-    std::string knownColumns() const;
-    std::string at(std::size_t line, std::string_view reason) const;
-    bool nextRow();
-    bool readRow(std::string_view line);
-    bool feed(std::string_view bytes);
-    void throwIfOutOfMemory() const;
-    void rejectRow(std::string_view reason);
-    std::string_view takeLine();
-
-    static void onField(void* bytes, std::size_t size, void* reader);
-    static void onRow(int end, void* reader);
-
     static constexpr std::size_t none = static_cast<std::size_t>(-1);
 
-    std::string_view m_text;
-    std::string m_file;
+    // text and columns must outlive the reader; file is what problems name.
+    CsvReader(std::string_view text, std::string file, std::span<const CsvColumn> columns);
+
+    // Goes to the next row. False at the end, and at once when the table cannot be read (error()).
+    bool next() { return m_rows.next(); }
+
+    // The text of this column (a position in columns; the first of its name) in the row, without the blanks around it;
+    // empty when the row has no such column. Valid until next().
+    std::string_view field(std::size_t column) const { return m_rows.field(m_places[column]); }
+
+    // The same in the order of the file: how many columns there are, which one each is (none: an unknown one), and the
+    // text in it.
+    std::size_t width() const { return m_columnAt.size(); }
+    std::size_t columnAt(std::size_t place) const { return m_columnAt[place]; }
+    std::string_view fieldAt(std::size_t place) const { return m_rows.field(place); }
+
+    // Adds a problem of the current row: what is wrong, and what to do.
+    void addProblem(std::string_view reason) { m_rows.addProblem(reason); }
+
+    // Where the row stands in the file.
+    const CsvRows& rows() const { return m_rows; }
+
+    // Why the table cannot be read; empty when it can.
+    const std::string& error() const { return m_rows.error(); }
+
+    // Takes the problems: "file:line: reason", in the order of the lines.
+    std::vector<std::string> problems() { return m_rows.problems(); }
+
+private:
+    void readHeader(std::string_view text);
+    void nameColumn(std::size_t place, std::string_view name);
+    std::string knownColumns() const;
+
+    CsvRows m_rows;
     std::span<const CsvColumn> m_columns;
-    csv_parser m_parser{};
-    std::size_t m_next = 0;            // where the next line begins
-    std::size_t m_nextLine = 1;        // its number
-    std::size_t m_line = 0;            // the number of the current row's first line
-    std::vector<std::string> m_fields; // of the row; the first m_fieldCount are valid
-    std::size_t m_fieldCount = 0;
-    bool m_rowEnded = false;
-    bool m_outOfMemory = false;        // while a field was taken
-    std::size_t m_width = 0;           // how many columns the first line names
-    std::vector<std::size_t> m_places; // of each column in a row, or none
-    std::string m_error;
-    Problems m_problems;
+    std::vector<std::size_t> m_places;   // of each column in a row, or none
+    std::vector<std::size_t> m_columnAt; // each place in a row, or none
 };
 
 } // namespace host

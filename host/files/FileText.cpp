@@ -37,14 +37,6 @@ std::optional<FileStamp> stampFrom(const struct stat& status, const std::filesys
     return FileStamp{status.st_dev, status.st_ino, status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
 }
 
-// File systems keep the time of a change in steps of some milliseconds. A time to come says nothing.
-bool isSettled(const FileStamp& stamp) {
-    constexpr std::chrono::milliseconds step(50);
-    const auto changed = std::chrono::seconds(stamp.seconds) + std::chrono::nanoseconds(stamp.nanoseconds);
-    const auto age = std::chrono::system_clock::now().time_since_epoch() - changed;
-    return age > step || age < std::chrono::seconds(0);
-}
-
 // Not more than expected: a file that grows meanwhile has changed, and is read again.
 std::optional<std::string> readBytes(int file, std::size_t expected, int& code) {
     std::string bytes(expected, '\0');
@@ -68,6 +60,14 @@ std::optional<std::string> readBytes(int file, std::size_t expected, int& code) 
 }
 
 } // namespace
+
+// File systems keep the time of a change in steps of some milliseconds. A time to come says nothing.
+bool isSettled(const FileStamp& stamp) {
+    constexpr std::chrono::milliseconds step(50);
+    const auto changed = std::chrono::seconds(stamp.seconds) + std::chrono::nanoseconds(stamp.nanoseconds);
+    const auto age = std::chrono::system_clock::now().time_since_epoch() - changed;
+    return age > step || age < std::chrono::seconds(0);
+}
 
 std::optional<FileStamp> stampOf(const std::filesystem::path& path, std::string& error) {
     struct stat status {};

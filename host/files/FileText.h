@@ -26,11 +26,13 @@ inline constexpr std::int64_t largestFile = 256LL << 20U;
 // largestFile bytes. Any thread.
 std::optional<FileStamp> stampOf(const std::filesystem::path& path, std::string& error);
 
+// False: the file was changed so shortly before that its next change might leave the stamp as it is.
+bool isSettled(const FileStamp& stamp);
+
 struct FileText {
     std::string bytes;
-    FileStamp stamp; // as it was before the bytes were read
-    bool settled =
-        false; // false: the file was changed so shortly before that its next change might leave the stamp as it is
+    FileStamp stamp;      // as it was before the bytes were read
+    bool settled = false; // isSettled, before the bytes were read
 };
 
 // The file's bytes; nothing, and the reason for people, on failure. Any thread.

@@ -2,6 +2,11 @@
 //
 // Every look at what it holds now asks the file system once whether the file is still the same. One thread at a time
 // makes it anew; meanwhile the others are given what was made before, and wait only when there is nothing yet.
+//
+//     ReloadedFile<Table> table(path, sink, makeTable);
+//     const auto now = table.current(error);
+//
+// Reloaded is the same of anything that has a stamp and can be read, such as a folder of files.
 #pragma once
 
 #include "host/files/FileText.h"
@@ -23,27 +28,38 @@ namespace host {
 // what was read. Must not ask for it.
 using ProblemSink = std::function<void(std::string)>;
 
-template <typename Content> class ReloadedFile {
+// What was made of the bytes of a file.
+template <typename Content> struct MadeOfFile {
+    std::shared_ptr<const Content> content; // null: error says why
+    std::vector<std::string> problems;
+    std::string error;
+};
+
+template <typename Content> class Reloaded {
 public:
-    struct Made {
-        std::shared_ptr<const Content> content; // null: error says why
-        std::vector<std::string> problems;
-        std::string error;
+    using Made = MadeOfFile<Content>;
+
+    struct Loaded {
+        Made made;
+        std::optional<FileStamp> stamp; // of what nothing can have changed unseen; none: read it again at the next look
     };
-    using Make = std::function<Made(std::string_view bytes, const std::string& file)>;
 
-    ReloadedFile(std::filesystem::path path, ProblemSink problemSink, Make make)
-        : m_path(std::move(path)), m_problemSink(std::move(problemSink)), m_make(std::move(make)) {}
+    // The stamp as it is now; nothing, and the reason for people, when there is nothing to read.
+    using Look = std::function<std::optional<FileStamp>(std::string& error)>;
+    using Load = std::function<Loaded()>;
 
-    // What the file holds now; null, and the reason for people, when there is no such file or it cannot be read. Any
-    // thread.
+    // look is called on any thread, load on one at a time.
+    Reloaded(ProblemSink problemSink, Look look, Load load)
+        : m_problemSink(std::move(problemSink)), m_look(std::move(look)), m_load(std::move(load)) {}
+
+    // What is there now; null, and the reason for people, when there is nothing or it cannot be read. Any thread.
     std::shared_ptr<const Content> current(std::string& error) {
-        const auto stamp = stampOf(m_path, error);
+        const auto stamp = m_look(error);
         if (!stamp) {
             return nullptr;
         }
         std::shared_ptr<const Loaded> loaded = latest();
-        if (!loaded || !loaded->isOf(*stamp)) {
+        if (!loaded || loaded->stamp != stamp) {
             loaded = reload(*stamp, loaded != nullptr);
         }
         if (!loaded->made.content) {
@@ -52,21 +68,14 @@ public:
         return loaded->made.content;
     }
 
-    // What was read last, also when the file has gone since; null when nothing was. For the many small questions that
-    // belong to one search: the file system is not asked. Any thread.
+    // What was read last, also when it has gone since; null when nothing was. For the many small questions that belong
+    // to one search: the file system is not asked. Any thread.
     std::shared_ptr<const Content> lastRead() const {
         const std::shared_ptr<const Loaded> loaded = latest();
         return loaded ? loaded->made.content : nullptr;
     }
 
 private:
-    struct Loaded {
-        Made made;
-        std::optional<FileStamp> stamp; // of a file that nothing can have changed unseen
-
-        bool isOf(const FileStamp& other) const { return stamp == other; }
-    };
-
     std::shared_ptr<const Loaded> latest() const {
         const std::lock_guard lock(m_latestMutex);
         return m_latest;
@@ -79,23 +88,13 @@ private:
         } else if (!loading.try_lock()) {
             return latest();
         }
-        if (auto loaded = latest(); loaded && loaded->isOf(stamp)) {
+        if (auto loaded = latest(); loaded && loaded->stamp == stamp) {
             return loaded;
         }
-        auto loaded = load();
+        const auto loaded = std::make_shared<const Loaded>(m_load());
         report(loaded->made.problems);
         const std::lock_guard lock(m_latestMutex);
         m_latest = loaded;
-        return loaded;
-    }
-
-    std::shared_ptr<const Loaded> load() const {
-        auto loaded = std::make_shared<Loaded>();
-        const auto text = readFile(m_path, loaded->made.error);
-        if (text) {
-            loaded->made = m_make(text->bytes, m_path.string());
-            loaded->stamp = text->settled ? std::optional(text->stamp) : std::nullopt;
-        }
         return loaded;
     }
 
@@ -107,18 +106,40 @@ private:
         }
     }
 
-    // Over all readings of the file. Whoever has been told so often has seen that it needs mending.
+    // Over all readings. Whoever has been told so often has seen that it needs mending.
     static constexpr std::size_t mostReported = 1000;
 
-    const std::filesystem::path m_path;
     const ProblemSink m_problemSink;
-    const Make m_make;
+    const Look m_look;
+    const Load m_load;
 
-    std::mutex m_loadMutex;           // held while the file is read
+    std::mutex m_loadMutex;           // held while it is read
     std::set<std::string> m_reported; // guarded by m_loadMutex
 
     mutable std::mutex m_latestMutex;       // a leaf, held to copy the pointer
     std::shared_ptr<const Loaded> m_latest; // guarded by m_latestMutex
+};
+
+template <typename Content> class ReloadedFile : public Reloaded<Content> {
+public:
+    using Made = MadeOfFile<Content>;
+    using Make = std::function<Made(std::string_view bytes, const std::string& file)>;
+
+    ReloadedFile(std::filesystem::path path, ProblemSink problemSink, Make make)
+        : Reloaded<Content>(
+              std::move(problemSink), [path](std::string& error) { return stampOf(path, error); },
+              [path, make = std::move(make)] { return load(path, make); }) {}
+
+    // Reads the file once.
+    static typename Reloaded<Content>::Loaded load(const std::filesystem::path& path, const Make& make) {
+        typename Reloaded<Content>::Loaded loaded;
+        const auto text = readFile(path, loaded.made.error);
+        if (text) {
+            loaded.made = make(text->bytes, path.string());
+            loaded.stamp = text->settled ? std::optional(text->stamp) : std::nullopt;
+        }
+        return loaded;
+    }
 };
 
 } // namespace host

@@ -10,6 +10,8 @@
 //     }
 #pragma once
 
+#include "host/sources/Contact.h"
+
 #include <optional>
 #include <span>
 #include <string>
@@ -30,8 +32,8 @@ struct KnownContact {
         std::string value; // not empty
     };
 
-    std::vector<std::string> numbers; // those that the search offers, in the source's order
-    std::vector<Fact> facts;          // everything else
+    std::vector<ContactNumber> numbers; // those that the search offers, in the source's order
+    std::vector<Fact> facts;            // everything else
 };
 
 class ContactLookup {

@@ -16,8 +16,12 @@ std::string_view plainLetters(utf8proc_int32_t codePoint) {
     switch (codePoint) {
     case 0x00E6:
         return "ae";
+    case 0x00F0:
+        return "d";
     case 0x00F8:
         return "o";
+    case 0x00FE:
+        return "th";
     case 0x0111:
         return "d";
     case 0x0127:

@@ -59,11 +59,20 @@ bool isSeparator(std::int32_t codePoint) {
 struct NumberParts {
     bool international = false; // a "+" in front
     std::string digits;
+
+    bool isFromAbroad() const { return international ? !digits.empty() : digits.starts_with("00"); }
 };
+
+// What is dialled within the country alone, as many write it behind their country code.
+constexpr std::string_view leftOutFromAbroad = "(0)";
 
 std::optional<NumberParts> numberParts(std::string_view text, std::string_view furtherSeparators) {
     NumberParts parts;
     while (!text.empty()) {
+        if (parts.isFromAbroad() && text.starts_with(leftOutFromAbroad)) {
+            text.remove_prefix(leftOutFromAbroad.size());
+            continue;
+        }
         const char first = text.front();
         const Character character = takeFirst(text);
         if (isKeypadByte(first)) {

@@ -16,7 +16,8 @@ std::string convertKey(std::string_view typed);
 bool isKeypadKey(std::string_view key);
 
 // The digits, "*" and "#" of what is plainly a number: those with blanks, dashes, dots and brackets between them and at
-// most one "+" ahead of the first of them, and at least one of them. Nothing for any other text.
+// most one "+" ahead of the first of them, and at least one of them. A "(0)" behind the beginning of an international
+// number counts for nothing: "+44 (0)20" is +4420. Nothing for any other text.
 std::optional<std::string> plainNumber(std::string_view text);
 
 // A number as it is dialled: as plainNumber, but slashes may stand between the digits as well, a "+" in front is kept,

@@ -12,6 +12,10 @@ std::optional<LineEdit> editOf(Key key) {
         return LineEdit::toBegin;
     case Key::toEnd:
         return LineEdit::toEnd;
+    case Key::wordLeft:
+        return LineEdit::wordLeft;
+    case Key::wordRight:
+        return LineEdit::wordRight;
     case Key::eraseBefore:
         return LineEdit::eraseBefore;
     case Key::eraseAfter:

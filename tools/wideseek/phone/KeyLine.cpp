@@ -24,6 +24,10 @@ bool KeyLine::apply(LineEdit edit) {
         return moveTo(0);
     case LineEdit::toEnd:
         return moveTo(m_text.size());
+    case LineEdit::wordLeft:
+        return moveTo(wordBefore());
+    case LineEdit::wordRight:
+        return moveTo(wordBehind());
     case LineEdit::eraseBefore:
         return erase(before(), m_caret);
     case LineEdit::eraseAfter:
@@ -61,6 +65,18 @@ std::size_t KeyLine::wordBefore() const {
     passWhile(true);
     passWhile(false);
     return rest.size();
+}
+
+std::size_t KeyLine::wordBehind() const {
+    std::string_view rest = behindCaret();
+    const auto passWhile = [&](bool blank) {
+        while (!rest.empty() && host::text::isBlank(host::text::firstCharacter(rest).codePoint) == blank) {
+            host::text::takeFirst(rest);
+        }
+    };
+    passWhile(true);
+    passWhile(false);
+    return m_text.size() - rest.size();
 }
 
 bool KeyLine::moveTo(std::size_t caret) {

@@ -19,6 +19,8 @@ enum class LineEdit {
     right,
     toBegin,
     toEnd,
+    wordLeft,
+    wordRight,
     eraseBefore,
     eraseAfter,
     eraseWord, // before the caret, with the blanks behind it
@@ -49,6 +51,7 @@ private:
     std::size_t before() const;
     std::size_t behind() const;
     std::size_t wordBefore() const;
+    std::size_t wordBehind() const;
     bool moveTo(std::size_t caret);
     bool erase(std::size_t begin, std::size_t end);
 

@@ -1,7 +1,6 @@
 #include "tools/wideseek/phone/PhoneApp.h"
 
 #include "app/Gui/Logic/Wideseek/modWideseek.h"
-#include "platform/CommonAPI.h"
 #include "tools/wideseek/Interrupt.h"
 #include "tools/wideseek/phone/KeyKinds.h"
 #include "tools/wideseek/phone/screens/PhoneFrame.h"
@@ -177,6 +176,9 @@ void PhoneApp::handleOnSearch(const Input& input) {
     case Key::copy:
         copy();
         break;
+    case Key::dialTyped:
+        dial({}, m_model.typedNumber());
+        break;
     default:
         break;
     }
@@ -262,15 +264,9 @@ void PhoneApp::pointAt(int line) {
     }
 }
 
-// If nothing matches. Empty: what was typed is no number.
-std::string PhoneApp::typedNumber() const {
-    const bool isNumber = CommonAPI_IsSearchByT9(CommonAPI_StringConvert(m_model.key(), STRING_CONVERT_SEARCH_KEY));
-    return isNumber && m_model.isSettled() ? m_model.key() : std::string();
-}
-
 void PhoneApp::copy() {
     const WideseekItemData* row = m_model.selected();
-    copy(row ? row->strNumber : typedNumber());
+    copy(row ? row->strNumber : m_model.numberWithoutRows());
 }
 
 void PhoneApp::copy(const std::string& number) {
@@ -284,7 +280,7 @@ void PhoneApp::copy(const std::string& number) {
 
 void PhoneApp::dial() {
     std::string name;
-    std::string number = typedNumber();
+    std::string number = m_model.numberWithoutRows();
     if (const WideseekItemData* row = m_model.selected()) {
         name = row->strName == row->strNumber ? std::string() : row->strName;
         number = row->strNumber;
@@ -315,7 +311,7 @@ void PhoneApp::collectProblems() {
 
 void PhoneApp::paint() {
     if (m_side) {
-        m_side->paint(m_watch, m_problems.all());
+        m_side->paint(m_watch, m_problems);
         return;
     }
     // Recent calls are the call log's.

@@ -57,7 +57,6 @@ private:
     void dial(const std::string& name, const std::string& number);
     void copy();
     void copy(const std::string& number);
-    std::string typedNumber() const;
     void collectProblems();
     void paint();
     void wait();

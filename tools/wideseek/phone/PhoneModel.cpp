@@ -59,6 +59,14 @@ void PhoneModel::startOver() {
     m_followed.reset();
 }
 
+std::string PhoneModel::typedNumber() const {
+    return host::text::dialableNumber(key()).value_or("");
+}
+
+std::string PhoneModel::numberWithoutRows() const {
+    return isSettled() && m_shown.empty() ? typedNumber() : std::string();
+}
+
 bool PhoneModel::isRecent() const {
     return searched(key()).empty();
 }

@@ -57,6 +57,12 @@ public:
     const KeyLine& typed() const { return m_typed; }
     bool isDigitsEntry() const { return m_digits; }
 
+    // What is typed, as it would be dialled; empty when it is no number.
+    std::string typedNumber() const;
+
+    // The same where nothing has been found, and nothing but the number is left to be dialled; else empty.
+    std::string numberWithoutRows() const;
+
     // The key is one that offers the recent calls: empty, or nothing but blanks.
     bool isRecent() const;
 

@@ -3,6 +3,7 @@
 #include "tools/wideseek/PhoneArguments.h"
 #include "tools/wideseek/phone/EnabledSources.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace wideseek {
@@ -33,24 +34,55 @@ std::string PhoneProblems::takeNew() {
 }
 
 std::string PhoneProblems::standing() const {
-    std::string failed;
-    std::string reason;
-    std::size_t count = 0;
+    const std::vector<std::string> each = standingEach();
+    if (each.size() == 1) {
+        return each.front();
+    }
+    std::string text;
+    for (const auto& [label, reason] : failed()) {
+        text += (text.empty() ? "" : ", ") + label;
+    }
+    text += text.empty() ? "" : " failed";
+    for (const std::string& note : m_sourceList.standing()) {
+        text += (text.empty() ? "" : "; ") + brief(note);
+    }
+    return text;
+}
+
+std::vector<std::string> PhoneProblems::standingEach() const {
+    std::vector<std::string> each;
+    for (const auto& [label, reason] : failed()) {
+        each.push_back(label + " failed" + (reason.empty() ? "" : ": " + reason));
+    }
+    for (const std::string& note : m_sourceList.standing()) {
+        each.push_back(brief(note));
+    }
+    return each;
+}
+
+std::vector<std::string> PhoneProblems::earlier() const {
+    const std::vector<std::string> told = standingEach();
+    std::vector<std::string> rest;
+    for (const std::string& problem : m_all.all()) {
+        std::string words = brief(problem);
+        const auto tells = [&](const std::string& line) { return line.ends_with(words); };
+        if (std::none_of(told.begin(), told.end(), tells)) {
+            rest.push_back(std::move(words));
+        }
+    }
+    return rest;
+}
+
+std::vector<std::pair<std::string, std::string>> PhoneProblems::failed() const {
+    std::vector<std::pair<std::string, std::string>> result;
     const auto failures = m_watch.failures();
     for (const EnabledSource& source : enabledSources()) {
         const auto failure = source.nth == 0 ? failures.find(source.name) : failures.end();
         if (failure != failures.end()) {
-            failed += (failed.empty() ? "" : ", ") + source.label;
-            reason = failure->second;
-            ++count;
+            result.emplace_back(source.label, brief(failure->second));
         }
     }
-    std::string text = failed.empty() ? failed : failed + " failed";
-    for (const std::string& note : m_sourceList.standing()) {
-        text += (text.empty() ? "" : "; ") + brief(note);
-        ++count;
-    }
-    return count == 1 && !reason.empty() ? text + ": " + brief(reason) : text;
+    return result;
 }
 
 std::string PhoneProblems::brief(const std::string& problem) const {

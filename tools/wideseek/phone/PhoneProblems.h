@@ -14,6 +14,7 @@
 
 #include <cstddef>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace wideseek {
@@ -31,10 +32,18 @@ public:
     // failure has its reason when it is alone. Empty: nothing.
     std::string standing() const;
 
+    // The same, each with its reason.
+    std::vector<std::string> standingEach() const;
+
     // Everything so far, in order of appearance.
     std::vector<std::string> all() const { return m_all.all(); }
 
+    // What of it standingEach does not tell, with files named as there.
+    std::vector<std::string> earlier() const;
+
 private:
+    // Of the source list's order; each with the reason, which may be empty.
+    std::vector<std::pair<std::string, std::string>> failed() const;
     std::string brief(const std::string& problem) const;
 
     const host::Phone& m_phone;

@@ -13,7 +13,7 @@ namespace {
 
 // All that there is to know of a row that no source holds.
 host::KnownContact knownOf(const WideseekItemData& row) {
-    host::KnownContact known{{row.strNumber}, {}};
+    host::KnownContact known{{{row.strNumber}}, {}};
     for (const std::string* extra : {&row.strExtra2, &row.strExtra1}) {
         if (!extra->empty()) {
             known.facts.push_back({"Extra", *extra});
@@ -25,10 +25,19 @@ host::KnownContact knownOf(const WideseekItemData& row) {
     return known;
 }
 
-void addNumbers(std::vector<std::string>& numbers, const std::vector<std::string>& more) {
-    for (const std::string& number : more) {
-        if (std::find(numbers.begin(), numbers.end(), number) == numbers.end()) {
+auto placeOf(std::vector<host::ContactNumber>& numbers, const std::string& number) {
+    return std::find_if(numbers.begin(), numbers.end(),
+                        [&](const host::ContactNumber& each) { return each.number == number; });
+}
+
+// A number is of the kind that the first source gives it which knows one.
+void addNumbers(std::vector<host::ContactNumber>& numbers, const std::vector<host::ContactNumber>& more) {
+    for (const host::ContactNumber& number : more) {
+        const auto known = placeOf(numbers, number.number);
+        if (known == numbers.end()) {
             numbers.push_back(number);
+        } else if (known->kind == host::NumberKind::unknown) {
+            known->kind = number.kind;
         }
     }
 }
@@ -52,9 +61,8 @@ ContactDetails detailsOf(const WideseekItemData& row, bool recentCall, const hos
     for (const ContactDetails::Source& source : details.sources) {
         addNumbers(details.numbers, source.known.numbers);
     }
-    addNumbers(details.numbers, {row.strNumber});
-    const auto number = std::find(details.numbers.begin(), details.numbers.end(), row.strNumber);
-    details.chosen = static_cast<std::size_t>(number - details.numbers.begin());
+    addNumbers(details.numbers, {{row.strNumber}});
+    details.chosen = static_cast<std::size_t>(placeOf(details.numbers, row.strNumber) - details.numbers.begin());
     return details;
 }
 

@@ -1,7 +1,7 @@
 // The contact of a row in full: its numbers, and what each source knows of it.
 //
 //     const ContactDetails details = detailsOf(*model.selected(), model.isRecent(), phone);
-//     for (const std::string& number : details.numbers) { ... }
+//     for (const host::ContactNumber& number : details.numbers) { ... }
 //
 // One thread.
 #pragma once
@@ -22,10 +22,10 @@ struct ContactDetails {
         host::KnownContact known;
     };
 
-    std::string name;                 // empty: none but the number
-    std::vector<std::string> numbers; // all that the sources have, each once; the row's is among them
-    std::vector<Source> sources;      // that hold a contact of this name with the row's number, in their order
-    std::size_t chosen = 0;           // of numbers; the row's at first
+    std::string name;                         // empty: none but the number
+    std::vector<host::ContactNumber> numbers; // all that the sources have, each once; the row's is among them
+    std::vector<Source> sources;              // that hold a contact of this name with the row's number, in their order
+    std::size_t chosen = 0;                   // of numbers; the row's at first
 };
 
 // Looks the row up in all enabled sources. What none of them holds is known by the row alone: of a recent call, or of a

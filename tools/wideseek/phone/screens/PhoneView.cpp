@@ -49,12 +49,28 @@ void putKeypad(int line) {
     }
 }
 
+// Ahead of the kind of entry, where there is room beside the key: Enter takes a row, and a number may be meant itself.
+// Gives the column where it begins.
+int putNumberKey(const PhoneModel& model, int end, int keyWidth) {
+    constexpr std::string_view key = "F5";
+    constexpr std::string_view meaning = " dials it  ";
+    const int begin = end - static_cast<int>(key.size() + meaning.size());
+    if (model.rows().empty() || model.typedNumber().empty() || begin <= keyWidth) {
+        return end;
+    }
+    put(0, begin, wide(key), A_BOLD);
+    put(0, begin + static_cast<int>(key.size()), wide(meaning), A_DIM);
+    return begin;
+}
+
 // Gives the caret's column.
 int putKey(const PhoneModel& model) {
     const std::string_view entry = model.isDigitsEntry() ? "digits 123" : "letters abc";
     const std::wstring label = wide(" Search  ");
     const int column = widthOf(label);
-    const int room = COLS - column - static_cast<int>(entry.size()) - 3;
+    const int keyWidth = widthOf(wide(model.key()));
+    const int end = COLS - static_cast<int>(entry.size()) - 1;
+    const int room = putNumberKey(model, end, column + keyWidth + 2) - column - 2;
     const std::wstring before = paint::tail(model.typed().beforeCaret(), room);
     const std::wstring behind = wide(model.typed().behindCaret());
     const int caret = column + widthOf(before);
@@ -72,7 +88,9 @@ std::string emptyText(const PhoneModel& model, const PhoneStatus& status) {
     if (model.isRecent()) {
         return "No recent calls. Type a number or a name.";
     }
-    return status.ldapAsked ? "Nothing so far; LDAP is still being asked." : "No contact matches.";
+    const std::string number = model.numberWithoutRows();
+    return (status.ldapAsked ? "Nothing so far; LDAP is still being asked." : "No contact matches.") +
+           (number.empty() ? "" : " Enter dials " + number + ".");
 }
 
 bool hasHeading(const PhoneModel& model) {
@@ -80,9 +98,11 @@ bool hasHeading(const PhoneModel& model) {
 }
 
 void putRows(const PhoneModel& model, const PhoneStatus& status, RowStyle& style) {
-    const int line = firstListLine();
+    int line = firstListLine();
     if (model.rows().empty()) {
-        put(line, 2, wide(emptyText(model, status)), A_DIM);
+        for (const std::wstring& part : paint::wrapped(emptyText(model, status), COLS - 3, 0)) {
+            put(line++, 2, part, A_DIM);
+        }
         return;
     }
     const int heading = hasHeading(model) ? 1 : 0;
@@ -112,18 +132,28 @@ std::string timesText(const PhoneStatus& status) {
     return text;
 }
 
-// What is wrong now is told in full where there is a line for it, and is never out of sight.
-bool tellsStanding(const PhoneModel& model, const PhoneStatus& status) {
+// Of the row under the cursor, where there is no room for it beside: its source and what that adds.
+std::string textOfRow(const PhoneModel& model, const RowStyle& style) {
     const WideseekItemData* row = model.selected();
-    return status.message.empty() && !(isBrief() && row && !extraOf(*row).empty());
+    if (COLS >= RowColumns::widthForSource || !row) {
+        return {};
+    }
+    const auto line = static_cast<std::size_t>(model.line());
+    const std::string source = line < style.sources.size() ? style.sources[line] : std::string();
+    return source + (source.empty() || extraOf(*row).empty() ? "" : "  ") + extraOf(*row);
 }
 
-void putStatus(const PhoneModel& model, const PhoneStatus& status) {
+// What is wrong now is told in full where there is a line for it, and is never out of sight.
+bool tellsStanding(const PhoneModel& model, const PhoneStatus& status, const RowStyle& style) {
+    return status.message.empty() && textOfRow(model, style).empty();
+}
+
+void putStatus(const PhoneModel& model, const PhoneStatus& status, const RowStyle& style) {
     const int line = LINES - linesBelow;
     const std::string position = " " + positionText(model);
     const std::string times = timesText(status);
     const std::string ldap = status.ldapAsked && !model.isRecent() ? "LDAP \u2026 " : "";
-    const bool apart = !status.standing.empty() && !tellsStanding(model, status);
+    const bool apart = !status.standing.empty() && !tellsStanding(model, status, style);
     const std::string sign = apart ? "Problem: F3 " : "";
     const auto signsWidth = static_cast<int>(displayWidth(ldap) + displayWidth(sign));
     put(line, 0, wide(position));
@@ -134,14 +164,14 @@ void putStatus(const PhoneModel& model, const PhoneStatus& status) {
     put(line, COLS - signsWidth, wide(sign), A_BOLD | paint::colour(COLOR_RED));
 }
 
-void putMessage(const PhoneModel& model, const PhoneStatus& status) {
+void putMessage(const PhoneModel& model, const PhoneStatus& status, const RowStyle& style) {
     const int line = LINES - linesBelow + 1;
     const attr_t problem = A_BOLD | paint::colour(COLOR_RED);
     if (!status.message.empty()) {
         put(line, 1, fitted(status.message, COLS - 2),
             status.message.starts_with(problemPrefix) ? problem : attr_t(A_BOLD));
-    } else if (!tellsStanding(model, status)) {
-        put(line, 2, fitted(extraOf(*model.selected()), COLS - 3), A_DIM); // its column holds a few letters only
+    } else if (!tellsStanding(model, status, style)) {
+        put(line, 2, fitted(textOfRow(model, style), COLS - 3), A_DIM);
     } else if (!status.standing.empty()) {
         const std::string more = " F3 ";
         put(line, 1, fitted(std::string(problemPrefix) + status.standing, COLS - 2 - static_cast<int>(more.size())),
@@ -166,8 +196,8 @@ void paintSearch(const PhoneModel& model, const PhoneStatus& status, RowStyle& s
         const int cursor = putKey(model);
         putKeypad(1);
         putRows(model, status, style);
-        putStatus(model, status);
-        putMessage(model, status);
+        putStatus(model, status, style);
+        putMessage(model, status, style);
         if (isRoomy()) {
             paint::putRule(linesAbove);
             paint::putRule(LINES - linesBelow - 1);

@@ -39,7 +39,7 @@ void putRow(int line, const WideseekItemData& row, const std::string& source, co
     put(line, 0, fitted(underCursor ? ">" : "", COLS), attributes);
     putCell(line, columns.name(), row.strName, attributes);
     putCell(line, columns.number(), row.strNumber, attributes);
-    putCell(line, columns.source(), source, attributes | A_DIM);
+    putCell(line, columns.source(), source, underCursor ? attributes : attr_t(A_DIM));
     putCell(line, columns.extra(), extraOf(row), attributes);
     putParts(line, columns.name(), row.strName, host::text::matchedInName(row.strName, key), attributes);
     putParts(line, columns.number(), row.strNumber, host::text::matchedInNumber(row.strNumber, key), attributes);

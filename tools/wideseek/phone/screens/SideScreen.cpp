@@ -3,11 +3,14 @@
 #include "tools/wideseek/phone/KeyKinds.h"
 #include "tools/wideseek/phone/screens/PhoneScreens.h"
 
+#include <algorithm>
+
 namespace wideseek {
 
 namespace {
 
-constexpr int pageLines = 8;
+// Below the last line of any text.
+constexpr int farBelow = 1'000'000;
 
 } // namespace
 
@@ -35,6 +38,11 @@ SideScreen::Wish SideScreen::serveOnContact(const Input& input) {
         return m_text.top == 0 && choose(-1) ? Wish::stay : scroll(input);
     case Key::down:
         return choose(1) ? Wish::stay : scroll(input);
+    case Key::click:
+        m_contact->chosen = choiceOn(m_text, input.line).value_or(m_contact->chosen);
+        return Wish::stay;
+    case Key::doubleClick:
+        return choiceOn(m_text, input.line) == m_contact->chosen ? Wish::dial : Wish::stay;
     case Key::enter:
         return Wish::dial;
     case Key::copy:
@@ -56,6 +64,7 @@ bool SideScreen::choose(int by) {
 }
 
 SideScreen::Wish SideScreen::scroll(const Input& input) {
+    m_text.revealing = false;
     switch (input.key) {
     case Key::up:
     case Key::down:
@@ -63,7 +72,15 @@ SideScreen::Wish SideScreen::scroll(const Input& input) {
         return Wish::stay;
     case Key::pageUp:
     case Key::pageDown:
-        m_text.top += input.key == Key::pageUp ? -pageLines : pageLines;
+        m_text.top += (input.key == Key::pageUp ? -1 : 1) * std::max(1, m_text.room - 1);
+        return Wish::stay;
+    case Key::toBegin:
+    case Key::first:
+        m_text.top = 0;
+        return Wish::stay;
+    case Key::toEnd:
+    case Key::last:
+        m_text.top = farBelow;
         return Wish::stay;
     case Key::wheelUp:
     case Key::wheelDown:
@@ -79,7 +96,7 @@ SideScreen::Wish SideScreen::scroll(const Input& input) {
     }
 }
 
-void SideScreen::paint(const SourceWatch& watch, const std::vector<std::string>& problems) {
+void SideScreen::paint(const SourceWatch& watch, const PhoneProblems& problems) {
     if (m_detailed) {
         TextScreen text = detailsScreen(m_contact ? &*m_contact : nullptr, watch, problems);
         text.top = m_text.top;

@@ -9,6 +9,7 @@
 // A Terminal exists. One thread.
 #pragma once
 
+#include "tools/wideseek/phone/PhoneProblems.h"
 #include "tools/wideseek/phone/SourceWatch.h"
 #include "tools/wideseek/phone/screens/ContactDetails.h"
 #include "tools/wideseek/phone/screens/TextScreen.h"
@@ -17,7 +18,6 @@
 #include <optional>
 #include <string>
 #include <utility>
-#include <vector>
 
 namespace wideseek {
 
@@ -40,11 +40,11 @@ public:
     Wish serve(const Input& input);
 
     // Details show what sources have answered and what is wrong by now.
-    void paint(const SourceWatch& watch, const std::vector<std::string>& problems);
+    void paint(const SourceWatch& watch, const PhoneProblems& problems);
 
     // The contact's name and the number that is chosen; empty without a contact.
     std::string name() const { return m_contact ? m_contact->name : std::string(); }
-    std::string number() const { return m_contact ? m_contact->numbers[m_contact->chosen] : std::string(); }
+    std::string number() const { return m_contact ? m_contact->numbers[m_contact->chosen].number : std::string(); }
 
 private:
     SideScreen() = default;

@@ -4,7 +4,7 @@
 #include "tools/wideseek/phone/terminal/Paint.h"
 
 #include <algorithm>
-#include <iterator>
+#include <string>
 
 namespace wideseek {
 
@@ -14,33 +14,67 @@ constexpr int linesAbove = 2; // the title, a rule
 constexpr int linesBelow = 1; // keys
 constexpr int textColumn = 2; // behind the sign of the chosen line
 
-struct Wrapped {
-    std::vector<std::wstring> lines;
-    int chosenBegin = 0; // of the lines, those of the chosen one
-    int chosenEnd = 0;
+// A line as it is on the screen.
+struct WrappedLine {
+    std::wstring text;
+    attr_t attributes = A_NORMAL;
+    std::optional<std::size_t> choice;
 };
 
-Wrapped wrap(const TextScreen& text, int columns) {
-    Wrapped result;
+attr_t attributesOf(TextLine::Look look) {
+    switch (look) {
+    case TextLine::Look::heading:
+        return A_BOLD;
+    case TextLine::Look::problem:
+        return A_BOLD | paint::colour(COLOR_RED);
+    case TextLine::Look::plain:
+        break;
+    }
+    return A_NORMAL;
+}
+
+std::vector<WrappedLine> wrap(const TextScreen& text, int columns) {
+    std::vector<WrappedLine> result;
     for (std::size_t i = 0; i < text.lines.size(); ++i) {
-        const bool chosen = text.choices > 0 && i == text.firstChoice + text.chosen;
-        const auto begin = static_cast<int>(result.lines.size());
-        std::vector<std::wstring> parts = paint::wrapped(text.lines[i], columns);
-        std::move(parts.begin(), parts.end(), std::back_inserter(result.lines));
-        if (chosen) {
-            result.chosenBegin = begin;
-            result.chosenEnd = static_cast<int>(result.lines.size());
+        const TextLine& line = text.lines[i];
+        const std::size_t choice = i - text.firstChoice; // large ahead of the first one
+        for (std::wstring& part : paint::wrapped(line.text, columns, std::min(line.indent, columns / 2 - 1))) {
+            result.push_back({std::move(part), attributesOf(line.look),
+                              choice < text.choices ? std::optional(choice) : std::nullopt});
         }
     }
     return result;
 }
 
-void scroll(TextScreen& text, const Wrapped& wrapped, int room) {
+bool isChosen(const TextScreen& text, const WrappedLine& line) {
+    return line.choice && *line.choice == text.chosen;
+}
+
+void scroll(TextScreen& text, const std::vector<WrappedLine>& lines) {
     if (text.revealing) {
-        text.top = std::min(std::max(text.top, wrapped.chosenEnd - room), wrapped.chosenBegin);
+        const auto chosen = [&](const WrappedLine& line) { return isChosen(text, line); };
+        const auto begin = std::find_if(lines.begin(), lines.end(), chosen);
+        const auto end = std::find_if_not(begin, lines.end(), chosen);
+        text.top = std::min(std::max(text.top, static_cast<int>(end - lines.begin()) - text.room),
+                            static_cast<int>(begin - lines.begin()));
         text.revealing = false;
     }
-    text.top = std::clamp(text.top, 0, std::max(0, static_cast<int>(wrapped.lines.size()) - room));
+    text.top = std::clamp(text.top, 0, std::max(0, static_cast<int>(lines.size()) - text.room));
+}
+
+void paintLine(int line, const WrappedLine& shown, bool chosen) {
+    const attr_t reverse = chosen ? A_REVERSE : A_NORMAL;
+    paint::put(line, 0, paint::fitted(chosen ? ">" : "", COLS), reverse);
+    paint::put(line, textColumn, shown.text, reverse | shown.attributes);
+}
+
+void paintKeys(const TextScreen& text, bool scrolls) {
+    std::vector<Label> labels = {
+        {"Esc", "Back"}, {"Up/Down", text.choices > 1 ? "Choose" : "Scroll", scrolls}, {"F10", "Leave"}};
+    if (text.choices > 0) {
+        labels.insert(labels.begin() + 1, {{"Enter", "Dial", false}, {"F4", "Copy", false}});
+    }
+    paintLabels(labels);
 }
 
 } // namespace
@@ -52,24 +86,29 @@ void paintText(TextScreen& text) {
         paint::put(0, 1, paint::fitted(text.title, COLS - 2), A_BOLD);
         paint::putRight(0, text.action + " ", A_NORMAL);
         paint::putRule(1);
-        const Wrapped wrapped = wrap(text, COLS - textColumn - 1);
-        const auto size = static_cast<int>(wrapped.lines.size());
-        const int room = LINES - linesAbove - linesBelow;
-        scroll(text, wrapped, room);
-        for (int i = text.top; i < std::min(size, text.top + room); ++i) {
-            const int line = linesAbove + i - text.top;
-            const bool chosen = i >= wrapped.chosenBegin && i < wrapped.chosenEnd;
-            paint::put(line, 0, paint::fitted(chosen ? ">" : "", COLS), chosen ? A_REVERSE : A_NORMAL);
-            paint::put(line, textColumn, wrapped.lines[static_cast<std::size_t>(i)], chosen ? A_REVERSE : A_NORMAL);
+        const std::vector<WrappedLine> lines = wrap(text, COLS - textColumn - 1);
+        const auto size = static_cast<int>(lines.size());
+        text.room = LINES - linesAbove - linesBelow;
+        scroll(text, lines);
+        text.onScreen.assign(linesAbove, std::nullopt);
+        const int end = std::min(size, text.top + text.room);
+        for (int i = text.top; i < end; ++i) {
+            const WrappedLine& line = lines[static_cast<std::size_t>(i)];
+            paintLine(linesAbove + i - text.top, line, isChosen(text, line));
+            text.onScreen.push_back(line.choice);
         }
-        std::vector<Label> labels = {
-            {"Esc", "Back"}, {"Up/Down", text.choices > 1 ? "Choose" : "Scroll", size > room}, {"F10", "Leave"}};
-        if (text.choices > 0) {
-            labels.insert(labels.begin() + 1, {{"Enter", "Dial", false}, {"F4", "Copy", false}});
+        if (size > text.room) {
+            paint::putRight(1, " " + std::to_string(text.top + 1) + "-" + std::to_string(end) + " of " +
+                                   std::to_string(size) + " ", A_NORMAL);
         }
-        paintLabels(labels);
+        paintKeys(text, size > text.room);
     }
     sendPainted();
+}
+
+std::optional<std::size_t> choiceOn(const TextScreen& text, int line) {
+    const auto at = static_cast<std::size_t>(line);
+    return at < text.onScreen.size() ? text.onScreen[at] : std::nullopt;
 }
 
 } // namespace wideseek

@@ -12,6 +12,17 @@ namespace {
 
 constexpr wchar_t replacement = L'\uFFFD';
 
+// As many words from the front as fit; of one that is too long by itself, what fits. What stands before `least` is no
+// word to end with.
+std::wstring_view wholeWords(std::wstring_view text, int columns, std::size_t least) {
+    const std::wstring_view part = front(text, columns);
+    if (part.size() == text.size() || text[part.size()] == L' ') {
+        return part;
+    }
+    const std::size_t blank = part.find_last_of(L' ');
+    return blank == std::wstring_view::npos || blank <= least ? part : part.substr(0, blank);
+}
+
 } // namespace
 
 std::wstring wide(std::string_view text) {
@@ -62,14 +73,16 @@ std::wstring tail(std::string_view text, int columns) {
     return result;
 }
 
-std::vector<std::wstring> wrapped(std::string_view line, int columns) {
+std::vector<std::wstring> wrapped(std::string_view line, int columns, int indent) {
     std::vector<std::wstring> result;
     const std::wstring text = wide(line);
     std::wstring_view rest = text;
     do {
-        const std::wstring_view part = front(rest, columns);
-        result.emplace_back(part);
+        const int margin = result.empty() ? 0 : indent;
+        const std::wstring_view part = wholeWords(rest, columns - margin, static_cast<std::size_t>(indent - margin));
+        result.emplace_back(static_cast<std::size_t>(margin), L' ').append(part);
         rest.remove_prefix(part.size());
+        rest.remove_prefix(std::min(rest.find_first_not_of(L' '), rest.size()));
     } while (!rest.empty());
     return result;
 }

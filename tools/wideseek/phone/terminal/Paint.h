@@ -28,8 +28,9 @@ std::wstring fitted(std::string_view text, int columns);
 // The end of a text that grows at its end, in at most this many columns.
 std::wstring tail(std::string_view text, int columns);
 
-// A line on as many lines of this width as it needs, at least one.
-std::vector<std::wstring> wrapped(std::string_view line, int columns);
+// A line on as many lines of this width as it needs, at least one: words are kept whole where they fit. All but the first
+// begin at this column, which is less than half of the width.
+std::vector<std::wstring> wrapped(std::string_view line, int columns, int indent);
 
 // Puts text on the screen, as far as it is on it.
 void put(int line, int column, std::wstring_view text, attr_t attributes = A_NORMAL);

@@ -232,8 +232,14 @@ bool Terminal::isSecondClick(int line) {
     return second;
 }
 
+// GNU screen takes no such command for itself, and hands on to the terminal what stands in a string of this kind; what
+// runs inside it, or it inside of, takes the command itself and drops the string.
 void Terminal::copy(std::string_view text) {
-    send("\033]52;c;" + base64(text) + "\a");
+    const std::string command = "\033]52;c;" + base64(text) + "\a";
+    send(command);
+    if (std::getenv("STY") != nullptr) {
+        send("\033P" + command + "\033\\");
+    }
 }
 
 void Terminal::suspend() {

@@ -18,6 +18,9 @@ constexpr int deleteByte = 0x7F;
 
 constexpr int ctrlHome = OwnCode::keypad + 0x100;
 constexpr int ctrlEnd = ctrlHome + 1;
+constexpr int ctrlLeft = ctrlHome + 2;
+constexpr int ctrlRight = ctrlHome + 3;
+constexpr int altBackspace = ctrlHome + 4;
 
 struct CodedKey {
     int code;
@@ -37,10 +40,14 @@ constexpr CodedKey codedKeys[] = {
     {KEY_NPAGE, {"[6~"}},
     {ctrlHome, {"[1;5H", "[7^"}},
     {ctrlEnd, {"[1;5F", "[8^"}},
+    {ctrlLeft, {"[1;5D", "[1;3D", "[5D", "Od"}},
+    {ctrlRight, {"[1;5C", "[1;3C", "[5C", "Oc"}},
+    {altBackspace, {"\x7F", "\b"}},
     {KEY_F(1), {"OP", "[11~", "[[A"}},
     {KEY_F(2), {"OQ", "[12~", "[[B"}},
     {KEY_F(3), {"OR", "[13~", "[[C"}},
     {KEY_F(4), {"OS", "[14~", "[[D"}},
+    {KEY_F(5), {"[15~", "[[E"}},
     {KEY_F(10), {"[21~"}},
     {KEY_ENTER, {"OM"}},
     {OwnCode::pasteBegin, {"[200~"}},
@@ -80,16 +87,20 @@ std::optional<Key> keyOf(int code) {
     case control('H'):
         return Key::eraseBefore;
     case KEY_DC:
+    case control('D'):
         return Key::eraseAfter;
     case control('W'):
+    case altBackspace:
         return Key::eraseWord;
     case control('U'):
         return Key::eraseToBegin;
     case control('K'):
         return Key::eraseToEnd;
     case KEY_LEFT:
+    case control('B'):
         return Key::left;
     case KEY_RIGHT:
+    case control('F'):
         return Key::right;
     case KEY_HOME:
     case control('A'):
@@ -97,13 +108,19 @@ std::optional<Key> keyOf(int code) {
     case KEY_END:
     case control('E'):
         return Key::toEnd;
+    case ctrlLeft:
+        return Key::wordLeft;
+    case ctrlRight:
+        return Key::wordRight;
     case KEY_ENTER:
     case control('M'):
     case control('J'):
         return Key::enter;
     case KEY_UP:
+    case control('P'):
         return Key::up;
     case KEY_DOWN:
+    case control('N'):
         return Key::down;
     case KEY_PPAGE:
         return Key::pageUp;
@@ -122,6 +139,8 @@ std::optional<Key> keyOf(int code) {
         return Key::details;
     case KEY_F(4):
         return Key::copy;
+    case KEY_F(5):
+        return Key::dialTyped;
     case KEY_F(10):
     case control('C'):
         return Key::leave;

@@ -20,6 +20,8 @@ enum class Key {
     right,
     toBegin, // of the line that is typed
     toEnd,
+    wordLeft,
+    wordRight,
     escape,
     enter,
     up,
@@ -32,6 +34,7 @@ enum class Key {
     entry,   // F2 or Tab
     details, // F3
     copy,    // F4
+    dialTyped, // F5
     leave,   // F10 or Ctrl-C, or the terminal has gone away
     suspend, // Ctrl-Z
     redraw,  // Ctrl-L
