@@ -14,7 +14,7 @@ copy=$PWD/build/bite/tree
 build=$PWD/build/bite/build
 module=app/Gui/Logic/Wideseek
 # What runs on the module. The tests of the host alone would only cost time.
-filter=${WIDESEEK_BITE_FILTER:--LdapServer*:LdapModule*:LdapSettings*:SteppedKernel*:LiveKernel*:ContactIndex*:ContactFiles*:Files*:Threads.Type*}
+filter=${WIDESEEK_BITE_FILTER:--LdapServer*:LdapModule*:LdapSettings*:SteppedKernel*:LiveKernel*:ContactIndex*:ContactFiles*:Files*:Formats*:Threads.Type*}
 
 # Description | file of the module | what sed does to it
 faults=$(

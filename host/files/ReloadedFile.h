@@ -91,7 +91,7 @@ private:
         if (auto loaded = latest(); loaded && loaded->stamp == stamp) {
             return loaded;
         }
-        const auto loaded = std::make_shared<const Loaded>(m_load());
+        auto loaded = std::make_shared<const Loaded>(m_load());
         report(loaded->made.problems);
         const std::lock_guard lock(m_latestMutex);
         m_latest = loaded;

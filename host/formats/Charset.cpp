@@ -126,11 +126,12 @@ void readAsUtf8(std::string_view bytes, const std::string& charset, Utf8Text& re
     if (const Mark* mark = markOf(bytes)) {
         bytes.remove_prefix(mark->bytes.size());
     }
-    if (isUtf8Name(result.charset)) {
+    Charset conversion(result.charset);
+    if (isUtf8Name(result.charset) || !conversion.isUsable()) {
         result.text = bytes;
         return;
     }
-    result.converted = Charset(result.charset).toUtf8(bytes);
+    result.converted = conversion.toUtf8(bytes);
     result.text = result.converted;
 }
 

@@ -341,7 +341,9 @@ bool VCardReader::useConversion(const std::string& charset) {
 
 void readCardsAsUtf8(std::string_view bytes, const std::string& charset, Utf8Text& result) {
     const std::string whole = charset.empty() ? charsetOf(bytes) : charset;
-    readAsUtf8(bytes, Charset(whole).toUtf8("BEGIN") == "BEGIN" ? "UTF-8" : whole, result);
+    Charset conversion(whole);
+    const bool isLikeAscii = !conversion.isUsable() || conversion.toUtf8("BEGIN") == "BEGIN";
+    readAsUtf8(bytes, isLikeAscii ? "UTF-8" : whole, result);
 }
 
 bool isVCard(std::string_view text) {

@@ -2,7 +2,6 @@
 
 #include "host/contacts/CardFolder.h"
 #include "host/contacts/ContactPlace.h"
-#include "host/files/FileText.h"
 #include "host/files/ReplacedFile.h"
 
 #include <algorithm>
@@ -53,6 +52,7 @@ ImportTarget::ImportTarget(const std::filesystem::path& csv) {
 
 void ImportTarget::open(const std::filesystem::path& path, bool mustBeThere) {
     std::string bytes;
+    m_stamps.emplace_back();
     if (mustBeThere) {
         std::string error;
         auto text = host::readFile(path, error);
@@ -60,6 +60,7 @@ void ImportTarget::open(const std::filesystem::path& path, bool mustBeThere) {
             throw std::runtime_error(error);
         }
         bytes = std::move(text->bytes);
+        m_stamps.back() = text->stamp;
     }
     const std::size_t file = m_files.size();
     m_files.push_back(openTargetFile(path, std::move(bytes)));
@@ -97,11 +98,22 @@ void ImportTarget::write() {
         }
     }
     m_people.clear();
-    for (const auto& file : m_files) {
-        std::string error;
-        if (file->isChanged() && !host::replaceFile(file->path(), file->bytes(), error)) {
-            throw std::runtime_error(error);
+    for (std::size_t file = 0; file < m_files.size(); ++file) {
+        if (m_files[file]->isChanged()) {
+            write(file);
         }
+    }
+}
+
+void ImportTarget::write(std::size_t file) const {
+    const std::filesystem::path& path = m_files[file]->path();
+    std::string error;
+    if (host::stampOf(path, error) != m_stamps[file]) {
+        throw std::runtime_error(path.string() + ": was changed by another program meanwhile, and is as that left it; "
+                                                 "import again");
+    }
+    if (!host::replaceFile(path, m_files[file]->bytes(), error)) {
+        throw std::runtime_error(error);
     }
 }
 

@@ -6,6 +6,7 @@
 //     target.write();
 #pragma once
 
+#include "host/files/FileText.h"
 #include "host/sources/Contact.h"
 #include "tools/wideseek/import/SamePerson.h"
 #include "tools/wideseek/import/TargetFile.h"
@@ -41,7 +42,7 @@ public:
     const std::filesystem::path& path() const { return m_files[m_appendTo]->path(); }
 
     // Writes the files that change, each of them whole or not at all (host/files/ReplacedFile.h). Throws
-    // std::runtime_error, with what to do, when that fails.
+    // std::runtime_error, with what to do, when that fails, and when somebody else has changed one since it was read.
     void write();
 
 private:
@@ -53,8 +54,10 @@ private:
     };
 
     void open(const std::filesystem::path& path, bool mustBeThere);
+    void write(std::size_t file) const;
 
     std::vector<std::unique_ptr<TargetFile>> m_files;
+    std::vector<std::optional<host::FileStamp>> m_stamps; // of each as it was read; none: it was not there
     std::size_t m_appendTo = 0;
     std::vector<Person> m_people;
     PersonIndex m_index;
