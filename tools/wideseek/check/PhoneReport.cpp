@@ -46,7 +46,7 @@ void printPhoneReport(std::ostream& out, const PhoneReport& report) {
     out << "what the sources have\n";
     Table table({Table::Align::left, Table::Align::left, Table::Align::left});
     for (const TriedSource& source : report.sources) {
-        table.add({source.name, wordsFor(source.trial), source.enabled ? "" : "not in the list"});
+        table.add({source.name, wordsFor(source.trial), source.enabled ? "" : "not searched"});
     }
     table.print(out, 2);
     for (const PhoneFinding& finding : report.findings) {

@@ -52,12 +52,19 @@ inline constexpr std::string_view newSettings =
     "mode=embedded\n"
     "delay_ms=0\n"
     "\n"
-    "; A server instead: mode=server, and these with your own values\n"
+    "; A server instead: mode=server, and these with your own values; schema may be inetorgperson or enterprise\n"
     ";mode=server\n"
     ";url=ldaps://ldap.example.com\n"
+    ";schema=inetorgperson\n"
     ";base=dc=example,dc=com\n"
     ";bind_dn=\n"
-    ";password=\n";
+    ";password=\n"
+    "\n"
+    "; A vCard or CSV file on a web server, or a CardDAV address book, as the remote directory\n"
+    ";[remote_directory]\n"
+    ";url=https://contacts.example.com/\n"
+    ";user=\n"
+    ";password_file=\n";
 
 // The list of these sources (wideseek.xml), enabled where isThere(file) holds.
 template <typename IsThere> std::string newSourceList(IsThere isThere) {
