@@ -3,7 +3,7 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-mapfile -t sources < <(find app bench examples host platform platform_check tests tools \( -name '*.h' -o -name '*.cpp' \) 2>/dev/null | sort)
+mapfile -t sources < <(find abi app bench examples host platform platform_check tests tools \( -name '*.h' -o -name '*.cpp' \) 2>/dev/null | sort)
 if [[ ${1:-} == --fix ]]; then
     exec clang-format --style=file -i "${sources[@]}"
 fi
