@@ -24,6 +24,7 @@ def see_before_ldap(pattern, what, *keys):
     for _ in range(8):
         press(ESCAPE)
         see(r"^ Search  +letters(.|\n)*Recent calls(.|\n)*1-16 of \d+ ", "the recent calls")
+        time.sleep(0.12)  # a timer that a search before has armed would still let this one go on without LDAP
         press(*keys)
         lines = see(f"{pattern}|late page", what)
         if re.search(pattern, "\n".join(lines)):

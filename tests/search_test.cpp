@@ -66,6 +66,32 @@ TEST(Search, NarrowsContactsWithTheSameNumbersByTheirNames) {
     EXPECT_EQ(screen.rows(), "Ann 61, Ann 62");
 }
 
+TEST(Search, ListsTheFirstOfEqualRowsInItsPlaceHoweverManyNamesBeginAlike) {
+    SteppedPhone phone({localId, remoteId});
+    std::vector<std::string> expected;
+    for (const std::size_t alike : {7U, 8U, 70U}) {
+        for (const char* which : {"first", "second"}) {
+            for (unsigned i = 40; i > 0; --i) {
+                const std::string name = std::string(alike, 'a') + std::string(i % 3, '\0') + std::to_string(i);
+                phone.local->contacts.push_back({name, {"61"}, which});
+                phone.remote->contacts.push_back({name, {"61"}, "third"});
+                if (which == std::string("first")) {
+                    expected.push_back(name + " first");
+                }
+            }
+        }
+    }
+    Screen screen;
+    for (const char* key : {"6", "61"}) {
+        phone.type(key, screen, 0, 0);
+        std::vector<std::string> rows;
+        for (const WideseekItemData& row : screen.pages.back().listItem) {
+            rows.push_back(row.strName + " " + row.strExtra2);
+        }
+        EXPECT_EQ(rows, expected) << key;
+    }
+}
+
 TEST(Action, GivesThePageLastCutWhole) {
     SteppedPhone phone({localId});
     phone.local->contacts = {{"A", {"51"}}, {"B", {"52"}}};
