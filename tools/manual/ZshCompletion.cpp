@@ -41,15 +41,15 @@ std::string valueOf(const Option& option) {
 void writeOption(std::ostream& script, const Option& option, const std::string& indent) {
     const std::string description = "[" + quoted(firstSentence(option.description), "[]\\") + "]";
     for (const std::string& name : option.names) {
-        std::string spec = name;
+        std::string argument = name;
         if (!option.value.empty()) {
-            spec += option.valueOptional ? "=-" : "=";
+            argument += option.valueOptional ? "=-" : "=";
         }
-        spec += description;
+        argument += description;
         if (!option.value.empty()) {
-            spec += (option.valueOptional ? "::" : ":") + option.value + ":" + offersOf(option.kind);
+            argument += (option.valueOptional ? "::" : ":") + option.value + ":" + offersOf(option.kind);
         }
-        script << " \\\n" << indent << "'" << spec << "'";
+        script << " \\\n" << indent << "'" << argument << "'";
     }
 }
 

@@ -131,10 +131,6 @@ bool CWideseekAction::MyReSearch(std::string strKey, std::string strRawKey) {
     if (list.listItem.empty()) {
         MyCheckResult(strKey, strRawKey);
     }
-    if (MyFindResultByType(SOURCE_ID_LDAP) == nullptr) {
-        // No other source answers later, so nothing is merged any more before the next full search.
-        m_walk.Clear();
-    }
     return true;
 }
 

@@ -10,10 +10,10 @@
 //   - for any other key asks every enabled source afresh (full search).
 //
 // Rows are kept in one bucket per enabled source, in the configured order, and a name and number that one bucket holds
-// is not taken into another (the filter, which ends with the full search where LDAP is not among the sources). When
-// every source has finished, or the rows in front of the first source that is still searching fill the page, the page
-// is sent to the callback object, which is then forgotten: one page per request. LDAP alone answers later. It holds the
-// first page up for 100 ms at most; what it brings after that is sent as one more page.
+// is not taken into another (the filter). When every source has finished, or the rows in front of the first source that
+// is still searching fill the page, the page is sent to the callback object, which is then forgotten: one page per
+// request. LDAP alone answers later. It holds the first page up for 100 ms at most; what it brings after that is sent
+// as one more page.
 //
 // Threads. Requests are handed over, keys reset and callback objects detached on callers' threads, at any time. Exec,
 // LDAP answers and timer expiries are the work; m_csWork lets one of them run at a time, whatever thread the platform

@@ -195,9 +195,6 @@ bool CWideseekAction::MyRemoveFilter(const ItemData& item) {
 }
 
 void CWideseekAction::MyForgetRows(const std::list<ItemData>& listDropped) {
-    if (m_mapFilter.empty()) {
-        return;
-    }
     if (listDropped.size() <= m_mapFilter.size() / 3 * 2) {
         for (const FilterPlace& place : InFilterOrder(listDropped)) {
             MyRemoveFilter(*place.itRow);

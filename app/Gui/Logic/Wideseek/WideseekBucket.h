@@ -48,6 +48,7 @@ public:
     CRowPlaces(const CRowPlaces&) = delete;
     CRowPlaces& operator=(const CRowPlaces&) = delete;
 
+    // For whoever changes the list: nothing is known of it any more.
     void Forget() noexcept { m_vecPlace.clear(); }
 
 private:

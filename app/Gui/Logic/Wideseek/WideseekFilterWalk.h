@@ -77,15 +77,20 @@ inline void FetchAhead(const FilterPlace* pPlace, const FilterPlace* pEnd) {
 // Places for a loop, which may take the row out of the list that it is at.
 class CFilterOrder {
 public:
+    // A place on the way, as a loop steps from one to the next. Valid as long as the order.
     class CStep {
     public:
+        // At pPlace; pEnd is behind the last one.
         CStep(const FilterPlace* pPlace, const FilterPlace* pEnd) : m_pPlace(pPlace), m_pEnd(pEnd) {}
+        // The place; not at the end.
         const FilterPlace& operator*() const { return *m_pPlace; }
+        // On to the next one; not at the end.
         CStep& operator++() {
             FetchAhead(m_pPlace, m_pEnd);
             ++m_pPlace;
             return *this;
         }
+        // Whether they are at different places of the same order.
         bool operator!=(const CStep& other) const { return m_pPlace != other.m_pPlace; }
 
     private:
@@ -93,8 +98,10 @@ public:
         const FilterPlace* m_pEnd;
     };
 
+    // The places as they are to be walked along.
     explicit CFilterOrder(std::vector<FilterPlace> vecPlace) : m_vecPlace(std::move(vecPlace)) {}
 
+    // The first place, and behind the last one.
     CStep begin() const { return {m_vecPlace.data(), MyEnd()}; }
     CStep end() const { return {MyEnd(), MyEnd()}; }
 
