@@ -1,6 +1,6 @@
 #!/usr/bin/env -S python3 -B
 """Uses the phone's screen as a person does, in a real terminal (tmux): what is seen, and what is left behind."""
-import os, re, shlex, signal, subprocess
+import os, re, shlex, signal, subprocess, time
 from pathlib import Path
 
 from checking import ROOT, TOOL, column_of, expect, finish, list_sources, run, write
