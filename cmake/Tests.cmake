@@ -10,7 +10,8 @@ add_library(wideseek_test_support OBJECT ${sources})
 target_link_libraries(wideseek_test_support PUBLIC wideseek_settings wideseek_objects wideseek_host GTest::gmock)
 target_compile_definitions(wideseek_test_support PUBLIC WIDESEEK_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
 
-file(GLOB sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/tests/*_test.cpp")
+file(GLOB sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/tests/search/*_test.cpp"
+     "${PROJECT_SOURCE_DIR}/tests/host/*_test.cpp" "${PROJECT_SOURCE_DIR}/tests/tool/*_test.cpp")
 # The tool's own parts that are tested without the tool.
 foreach(part IN ITEMS KeyLine PhoneModel screens/RowColumns)
   list(APPEND sources "${PROJECT_SOURCE_DIR}/tools/wideseek/phone/${part}.cpp")
@@ -35,7 +36,8 @@ endforeach()
 # All that the tests need but the tool, for builds in which nobody runs the tool.
 add_custom_target(wideseek_test_programs DEPENDS ${programs})
 
-file(GLOB checks CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/tests/*_check.sh" "${PROJECT_SOURCE_DIR}/tests/*_check.py")
+file(GLOB checks CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/tests/checks/*_check.sh"
+     "${PROJECT_SOURCE_DIR}/tests/checks/*_check.py")
 foreach(check IN LISTS checks)
   cmake_path(GET check STEM name)
   add_test(NAME ${name} COMMAND "${check}")

@@ -2,12 +2,12 @@
 
 #include "host/contacts/FileDirectory.h"
 #include "host/files/FileText.h"
-#include "host/files/SettingsCheck.h"
-#include "host/files/SettingsSection.h"
 #include "host/ldap/EmbeddedLdap.h"
 #include "host/ldap/server/ServerLdap.h"
 #include "host/remote/RemoteDirectory.h"
 #include "host/remote/http/CurlTransport.h"
+#include "host/settings/SettingsCheck.h"
+#include "host/settings/SettingsSection.h"
 #include "platform/MsgQueueHelper.h"
 
 #include <iterator>

@@ -6,13 +6,13 @@
 #pragma once
 
 #include "host/PhoneOptions.h"
-#include "host/files/ConfigFile.h"
 #include "host/kernel/Interruption.h"
 #include "host/kernel/Kernel.h"
 #include "host/kernel/ProblemList.h"
 #include "host/kernel/Reporter.h"
 #include "host/kernel/Slot.h"
 #include "host/ldap/LdapModule.h"
+#include "host/settings/ConfigFile.h"
 #include "host/sources/ContactSource.h"
 #include "host/sources/RecentCalls.h"
 

@@ -38,14 +38,15 @@ text
 kernel
 sources
 files         text
+settings      text files
 formats       text files sources
 contacts      text files sources formats
 remote/http   text
-remote/refresh files remote/http
+remote/refresh files settings remote/http
 remote        text sources files formats contacts remote/http remote/refresh
-ldap/server   text files sources
+ldap/server   text files settings sources
 ldap          kernel sources
-.             text kernel sources files contacts remote/http remote/refresh remote ldap/server ldap
+.             text kernel sources files settings contacts remote/http remote/refresh remote ldap/server ldap
 platform      text kernel sources .
 '
 known=' '

@@ -1,7 +1,7 @@
-#include "host/files/SettingsSection.h"
 #include "host/ldap/server/LdapConnection.h"
 #include "host/ldap/server/LdapFilter.h"
 #include "host/ldap/server/ServerLdap.h"
+#include "host/settings/SettingsSection.h"
 #include "platform/CommonAPI.h"
 
 #include <algorithm>

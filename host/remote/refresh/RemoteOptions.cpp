@@ -1,8 +1,8 @@
 #include "host/remote/refresh/RemoteOptions.h"
 
-#include "host/files/SecretFile.h"
-#include "host/files/SettingsSection.h"
 #include "host/remote/http/WebAddress.h"
+#include "host/settings/SecretFile.h"
+#include "host/settings/SettingsSection.h"
 
 #include <algorithm>
 #include <iterator>

@@ -10,11 +10,11 @@
 
 #include "host/Phone.h"
 #include "tools/wideseek/Library.h"
-#include "tools/wideseek/ProblemReport.h"
-#include "tools/wideseek/SourceAnswers.h"
 #include "tools/wideseek/pages/LineReader.h"
 #include "tools/wideseek/pages/LineWriter.h"
 #include "tools/wideseek/pages/PageRequest.h"
+#include "tools/wideseek/sources/ProblemReport.h"
+#include "tools/wideseek/sources/SourceAnswers.h"
 
 #include <chrono>
 #include <cstddef>

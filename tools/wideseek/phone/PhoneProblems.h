@@ -9,8 +9,8 @@
 
 #include "host/Phone.h"
 #include "host/kernel/ProblemList.h"
-#include "tools/wideseek/SourceListNotes.h"
 #include "tools/wideseek/phone/SourceWatch.h"
+#include "tools/wideseek/sources/SourceListNotes.h"
 
 #include <cstddef>
 #include <string>

@@ -11,8 +11,8 @@
 #include "host/Phone.h"
 #include "tools/wideseek/Library.h"
 #include "tools/wideseek/Page.h"
-#include "tools/wideseek/ProblemReport.h"
 #include "tools/wideseek/Screen.h"
+#include "tools/wideseek/sources/ProblemReport.h"
 #include "tools/wideseek/type/TraceLog.h"
 
 #include <chrono>

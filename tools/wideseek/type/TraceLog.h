@@ -5,8 +5,8 @@
 #pragma once
 
 #include "host/kernel/Trace.h"
-#include "tools/wideseek/SourceAnswers.h"
-#include "tools/wideseek/SourceTrace.h"
+#include "tools/wideseek/sources/SourceAnswers.h"
+#include "tools/wideseek/sources/SourceTrace.h"
 
 #include <mutex>
 #include <optional>

@@ -1,4 +1,4 @@
-#include "tools/wideseek/SourceListNotes.h"
+#include "tools/wideseek/sources/SourceListNotes.h"
 
 #include "tools/wideseek/check/SourceListCheck.h"
 

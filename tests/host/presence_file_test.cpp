@@ -2,7 +2,7 @@
 
 #include "host/Phone.h"
 #include "host/contacts/PresenceFile.h"
-#include "host/files/SettingsCheck.h"
+#include "host/settings/SettingsCheck.h"
 #include "platform/Directory.h"
 #include "platform/Ldap.h"
 #include "tests/support/SteppedPhone.h"

@@ -9,7 +9,7 @@
 // Lines that cannot be read are mistakes as well: they may have been any setting. One thread.
 #pragma once
 
-#include "host/files/ConfigFile.h"
+#include "host/settings/ConfigFile.h"
 
 #include <filesystem>
 #include <map>

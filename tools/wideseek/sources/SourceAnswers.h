@@ -5,7 +5,7 @@
 #pragma once
 
 #include "host/kernel/Trace.h"
-#include "tools/wideseek/SourceTrace.h"
+#include "tools/wideseek/sources/SourceTrace.h"
 
 #include <map>
 #include <mutex>

@@ -1,4 +1,4 @@
-#include "host/files/ConfigFile.h"
+#include "host/settings/ConfigFile.h"
 
 #include "host/files/Problems.h"
 

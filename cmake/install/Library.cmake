@@ -31,7 +31,7 @@ install(FILES "${PROJECT_SOURCE_DIR}/platform_check/PlatformCheck.h" DESTINATION
 
 write_basic_package_version_file("${PROJECT_BINARY_DIR}/package/WideseekConfigVersion.cmake"
                                  COMPATIBILITY SameMajorVersion)
-configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/WideseekConfig.cmake.in"
+configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/install/WideseekConfig.cmake.in"
                               "${PROJECT_BINARY_DIR}/package/WideseekConfig.cmake" INSTALL_DESTINATION "${package_dir}"
                               NO_SET_AND_CHECK_MACRO)
 install(FILES "${PROJECT_BINARY_DIR}/package/WideseekConfig.cmake"
@@ -42,6 +42,6 @@ set(pkgconfig_dir "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX BASE_DIRECTORY "${CMAKE_INSTALL_PREFIX}/${pkgconfig_dir}"
            OUTPUT_VARIABLE way_to_prefix)
 foreach(package IN ITEMS wideseek wideseek-platform-check)
-  configure_file("${PROJECT_SOURCE_DIR}/cmake/${package}.pc.in" "${PROJECT_BINARY_DIR}/package/${package}.pc" @ONLY)
+  configure_file("${PROJECT_SOURCE_DIR}/cmake/install/${package}.pc.in" "${PROJECT_BINARY_DIR}/package/${package}.pc" @ONLY)
   install(FILES "${PROJECT_BINARY_DIR}/package/${package}.pc" DESTINATION "${pkgconfig_dir}")
 endforeach()

@@ -1,4 +1,4 @@
-#include "host/files/SecretFile.h"
+#include "host/settings/SecretFile.h"
 
 #include "host/files/FileText.h"
 

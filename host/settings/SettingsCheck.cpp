@@ -1,4 +1,4 @@
-#include "host/files/SettingsCheck.h"
+#include "host/settings/SettingsCheck.h"
 
 #include "host/files/Problems.h"
 #include "host/text/Fold.h"

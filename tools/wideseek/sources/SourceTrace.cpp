@@ -1,4 +1,4 @@
-#include "tools/wideseek/SourceTrace.h"
+#include "tools/wideseek/sources/SourceTrace.h"
 
 #include <algorithm>
 #include <chrono>

@@ -1,7 +1,7 @@
-#include "host/files/SettingsSection.h"
+#include "host/settings/SettingsSection.h"
 
 #include "host/files/FileText.h"
-#include "host/files/SettingsCheck.h"
+#include "host/settings/SettingsCheck.h"
 
 #include <algorithm>
 #include <charconv>

@@ -9,7 +9,7 @@
 #pragma once
 
 #include "host/Phone.h"
-#include "tools/wideseek/SourceListNotes.h"
+#include "tools/wideseek/sources/SourceListNotes.h"
 
 #include <cstddef>
 #include <filesystem>

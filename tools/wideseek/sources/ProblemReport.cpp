@@ -1,4 +1,4 @@
-#include "tools/wideseek/ProblemReport.h"
+#include "tools/wideseek/sources/ProblemReport.h"
 
 #include "tools/wideseek/Text.h"
 

@@ -1,4 +1,4 @@
-#include "tools/wideseek/SourceAnswers.h"
+#include "tools/wideseek/sources/SourceAnswers.h"
 
 #include <algorithm>
 #include <utility>

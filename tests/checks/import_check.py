@@ -5,7 +5,7 @@ from pathlib import Path
 
 from checking import ROOT, expect, finish, run
 
-EXPORTS = Path(__file__).resolve().parent.parent / "sample" / "exports"
+EXPORTS = Path(__file__).resolve().parents[2] / "sample" / "exports"
 CONTACTS = ROOT / "phone/config/contacts"
 CSV = CONTACTS / "local_directory.csv"
 

@@ -8,7 +8,7 @@ from pathlib import Path
 
 from checking import ROOT, expect, finish, run
 
-SAMPLE = Path(__file__).resolve().parent.parent / "sample"
+SAMPLE = Path(__file__).resolve().parents[2] / "sample"
 CONFIG = SAMPLE / "config"
 # Who reserves them: NANPA, Ofcom, Bundesnetzagentur, ARCEP and ACMA; four digits are the company's extensions.
 RESERVED = re.compile(r"""\d{4} | \+1[2-9]\d\d55501\d\d

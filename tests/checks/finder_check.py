@@ -6,7 +6,7 @@ from pathlib import Path
 from checking import ROOT, TOOL, finish
 from terminal import open_terminal, press, see
 
-SOURCES = Path(__file__).resolve().parent.parent
+SOURCES = Path(__file__).resolve().parents[2]
 page = (SOURCES / "docs/tool.md").read_text()
 found = re.search(r"^```sh\n(# found\.sh\n.*?)^```", page, re.M | re.S)
 finder = re.search(r"^```\n(: \| fzf .*?)^```", page, re.M | re.S)
