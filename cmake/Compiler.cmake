@@ -58,7 +58,7 @@ if(WIDESEEK_SANITIZE)
 endif()
 
 # What keeps a memory error from becoming more than a crash, as far as compiler and linker have it. Builds with sanitizers
-# and fuzz targets are not shipped, and find such errors themselves. scripts/check-hardening.sh looks for the outcome in
+# and fuzz targets are not shipped, and find such errors themselves. scripts/checks/hardening.sh looks for the outcome in
 # the binaries.
 if(NOT WIDESEEK_SANITIZE AND NOT WIDESEEK_FUZZ)
   check_pie_supported(LANGUAGES CXX)

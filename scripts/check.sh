@@ -5,13 +5,13 @@
 #   scripts/check.sh NAME        one check, with its own words
 #   scripts/check.sh NAME NAME.. these checks, run and reported by ctest
 #
-#   format     sources are as clang-format writes them          (check-format.sh)
-#   headers    headers stand alone; nobody includes across      (check-headers.sh)
-#   symbols    libWideseek.so shows and needs what it should    (check-symbols.sh)
-#   abi        what is installed goes on working                (check-abi.sh)
-#   hardening  memory errors meet guards in what is shipped     (check-hardening.sh)
-#   docs       what the documents name and show is so, and the reference can be made  (check-docs.py, picture.py)
-#   lint       clang-tidy                                       (check-lint.sh)
+#   format     sources are as clang-format writes them          (checks/format.sh)
+#   headers    headers stand alone; nobody includes across      (checks/headers.sh)
+#   symbols    libWideseek.so shows and needs what it should    (checks/symbols.sh)
+#   abi        what is installed goes on working                (checks/abi.sh)
+#   hardening  memory errors meet guards in what is shipped     (checks/hardening.sh)
+#   docs       what the documents name and show is so, and the reference can be made  (checks/docs.py, picture.py)
+#   lint       clang-tidy                                       (checks/lint.sh)
 #   tests      all tests, built by GCC                          (test.sh)
 #   clang      all tests, built by Clang with its thread safety analysis
 #   asan       all tests, with AddressSanitizer, LeakSanitizer and UndefinedBehaviorSanitizer
@@ -22,9 +22,9 @@
 #
 # By name only, as they take long:
 #
-#   packages   the Debian packages are clean, can be installed, used and removed      (check-packages.sh)
+#   packages   the Debian packages are clean, can be installed, used and removed      (checks/packages.sh)
 #   arm        everything builds for the 32-bit ARM phone; in qemu, all tests but those with a server; the smallest phone is
-#              cross-built and runs                           (check-arm-consumer.sh)
+#              cross-built and runs                           (checks/arm-consumer.sh)
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -74,15 +74,15 @@ check_arm() {
     scripts/build.sh arm
     grep 'bytes stripped' build/arm/build.log || true
     ctest --preset arm
-    scripts/check-arm-consumer.sh
+    scripts/checks/arm-consumer.sh
 }
 
 run_check() {
     case $1 in
-    format | headers | symbols | abi | hardening | lint | packages) "scripts/check-$1.sh" ;;
+    format | headers | symbols | abi | hardening | lint | packages) "scripts/checks/$1.sh" ;;
     docs)
         ./run.sh --version >/dev/null # builds
-        scripts/check-docs.py
+        scripts/checks/docs.py
         scripts/build.sh library reference
         scripts/picture.py --check
         ;;

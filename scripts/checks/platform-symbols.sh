@@ -2,7 +2,7 @@
 # Prints the symbols that a libWideseek.so asks of the phone, as the linker knows them: those that it needs and that no
 # library which it is linked with gives.
 #
-#   scripts/platform-symbols.sh LIBRARY
+#   scripts/checks/platform-symbols.sh LIBRARY
 set -euo pipefail
 export LC_ALL=C
 

@@ -3,10 +3,10 @@
 # it asks of the phone, with every type that both sides know. What is added to the first is welcome; any other change
 # breaks what is installed somewhere. docs/versions.md says what to do then.
 #
-#   scripts/check-abi.sh            compares
-#   scripts/check-abi.sh --update   keeps the ABI as it is now; part of a release
+#   scripts/checks/abi.sh            compares
+#   scripts/checks/abi.sh --update   keeps the ABI as it is now; part of a release
 set -euo pipefail
-cd "$(dirname "${BASH_SOURCE[0]}")/.."
+cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 
 if [[ $(uname -m) != x86_64 ]]; then
     echo "check-abi: the ABI is kept for x86_64; compare it there" >&2
@@ -19,7 +19,7 @@ trap 'rm -rf "$work"' EXIT
 
 # Of the workstation phone, which has what every phone has, what the library asks for: symbols, and the operations of the
 # presence library, which are found by their places in its table.
-asked=$(scripts/platform-symbols.sh build/dev/libWideseek.so | paste -sd '|')
+asked=$(scripts/checks/platform-symbols.sh build/dev/libWideseek.so | paste -sd '|')
 asked+='|_ZN23CPresenceContactManager.*'
 cat abi/left_out.ini - >"$work/platform.ini" <<END
 [suppress_function]

@@ -3,7 +3,7 @@
 # installed into a system root: through pkg-config with the plain compiler, and through CMake with the document's own
 # toolchain file and without any. Each result searches in qemu, and keeps the rules of the contract.
 set -euo pipefail
-cd "$(dirname "${BASH_SOURCE[0]}")/.."
+cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 
 triplet=arm-linux-gnueabihf
 source=$PWD

@@ -5,7 +5,7 @@
 #  - what else it needs is declared in platform/.
 set -euo pipefail
 export LC_ALL=C
-cd "$(dirname "${BASH_SOURCE[0]}")/.."
+cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 
 list=app/Gui/Logic/Wideseek/exports.txt
 library=build/library/libWideseek.so
@@ -34,17 +34,17 @@ check_exports() {
     defined_symbols "$library" | readable >"$work/exported"
     if [[ ${1:-} == --update ]]; then
         {
-            echo "# The symbols that libWideseek.so exports. Written by scripts/check-symbols.sh --update."
+            echo "# The symbols that libWideseek.so exports. Written by scripts/checks/symbols.sh --update."
             cat "$work/exported"
         } >"$list"
         return
     fi
-    [[ -f $list ]] || { complain "$list is missing; scripts/check-symbols.sh --update writes it" && return; }
+    [[ -f $list ]] || { complain "$list is missing; scripts/checks/symbols.sh --update writes it" && return; }
     sed '/^#/d;/^$/d' "$list" | sort -u >"$work/listed"
     if ! diff -u --label "$list" --label "$library" "$work/listed" "$work/exported" >"$work/difference"; then
         grep '^[-+]' "$work/difference" >&2
         complain "the exported symbols above are missing (-) or not listed (+)" \
-            "where that is meant, scripts/check-symbols.sh --update writes the list anew"
+            "where that is meant, scripts/checks/symbols.sh --update writes the list anew"
     fi
 }
 
@@ -80,7 +80,7 @@ declared_in_platform() {
 
 check_needs() {
     local symbol
-    scripts/platform-symbols.sh "$library" | readable >"$work/asked"
+    scripts/checks/platform-symbols.sh "$library" | readable >"$work/asked"
     while IFS= read -r symbol; do
         declared_in_platform "$symbol" || complain "no header of platform/ declares, and no library gives: $symbol"
     done <"$work/asked"

@@ -6,11 +6,11 @@
 #    (libWideseek.so writes none, and shows nothing else of fortified calls);
 #  - the tool runs at any address.
 #
-#   scripts/check-hardening.sh           the release build, which it builds
-#   scripts/check-hardening.sh FOLDER    the binaries that lie in this folder, also those for another processor
+#   scripts/checks/hardening.sh           the release build, which it builds
+#   scripts/checks/hardening.sh FOLDER    the binaries that lie in this folder, also those for another processor
 set -euo pipefail
 export LC_ALL=C
-cd "$(dirname "${BASH_SOURCE[0]}")/.."
+cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 
 folder=${1:-build/release}
 (($#)) || scripts/build.sh release Wideseek wideseek_host wideseek

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Runs clang-tidy, with the checks of .clang-tidy, on the sources that ship; arguments limit it to files whose paths match.
 set -euo pipefail
-cd "$(dirname "${BASH_SOURCE[0]}")/.."
+cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 
 mkdir -p build/clang
 cmake --preset clang >build/clang/lint.log || { cat build/clang/lint.log >&2 && exit 1; }

@@ -4,7 +4,7 @@
 # Installing takes place in a view of this system that nobody else sees: whatever is changed there is kept in memory and
 # gone at the end, and the system itself stays as it is. The view takes root, and a kernel that lets root mount.
 set -euo pipefail
-cd "$(dirname "${BASH_SOURCE[0]}")/.."
+cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 
 packages=$PWD/build/packages
 
@@ -58,7 +58,7 @@ enter_view() {
     mount -t overlay overlay -o "lowerdir=/,upperdir=$view/changes,workdir=$view/work" "$view/root"
     mount --rbind /dev "$view/root/dev"
     mount -t proc proc "$view/root/proc"
-    exec chroot "$view/root" "$PWD/scripts/check-packages.sh" --in-view
+    exec chroot "$view/root" "$PWD/scripts/checks/packages.sh" --in-view
 }
 
 case ${1:-} in

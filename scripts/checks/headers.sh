@@ -2,7 +2,7 @@
 # Checks that every header compiles alone with GCC and Clang (those a phone compiles: also without exceptions), and that
 # no part of the repository includes what it must not know.
 set -euo pipefail
-cd "$(dirname "${BASH_SOURCE[0]}")/.."
+cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 
 module=app/Gui/Logic/Wideseek
 standard='<[a-z_0-9]+>'
@@ -20,7 +20,7 @@ check_includes() {
     local folder=$1 allowed=$2
     [[ -d $folder ]] || return 0
     if grep -rnE '^ *# *include' --include='*.h' --include='*.cpp' "$folder" | grep -vE "include ($allowed)" >&2; then
-        echo "check-headers: $folder may not include what is listed above (scripts/check-headers.sh has the rules)" >&2
+        echo "check-headers: $folder may not include what is listed above (scripts/checks/headers.sh has the rules)" >&2
         failed=yes
     fi
 }
@@ -71,7 +71,7 @@ done <<<"$rooms"
 while IFS= read -r folder; do
     room=${folder#host/}
     if [[ $known != *" ${room/#host/.} "* ]]; then
-        echo "check-headers: $folder is no room of the table in scripts/check-headers.sh; add it there" >&2
+        echo "check-headers: $folder is no room of the table in scripts/checks/headers.sh; add it there" >&2
         failed=yes
     fi
 done < <(find host -name '*.h' -printf '%h\n' | sort -u)

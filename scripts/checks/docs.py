@@ -11,7 +11,7 @@ What needs a terminal (a command that sets TERM) is left out."""
 import json, os, re, shutil, subprocess, sys, tempfile
 from pathlib import Path
 
-ROOT = Path(__file__).resolve().parent.parent
+ROOT = Path(__file__).resolve().parents[2]
 PAGES = [*(ROOT / name for name in ("README.md", "CONTRIBUTING.md", "CHANGELOG.md")), *sorted((ROOT / "docs").glob("*.md"))]
 FOLDERS = "abi|app|bench|cmake|docs|examples|host|platform|sample|scripts|tests|tools"
 MASKED = [(r"\d+(\.\d+)? ms", "- ms"), (r'"ms":[\d.]+', '"ms":-'), (r" +\d+\.\d$", " -"), (r"  +ms$", " ms")]
