@@ -41,6 +41,7 @@ target_compile_options(
     # Nobody replaces a function of our shared libraries, so one may be inlined where it is called in its own file.
     -fno-semantic-interposition
     $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety>
+    $<$<CXX_COMPILER_ID:Clang>:-Wreserved-identifier>
     $<$<CXX_COMPILER_ID:GNU>:-Wduplicated-cond>
     $<$<CXX_COMPILER_ID:GNU>:-Wlogical-op>
     # GCC 12 sees overlapping copies in the standard library's "text" + std::string when it optimises.

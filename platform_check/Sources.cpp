@@ -6,10 +6,10 @@
 
 #include <algorithm>
 #include <climits>
-#include <compare>
 #include <iterator>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -33,7 +33,8 @@ struct Contact {
     std::string name;
     std::vector<std::string> numbers;
 
-    auto operator<=>(const Contact& other) const = default;
+    bool operator==(const Contact& other) const = default;
+    bool operator<(const Contact& other) const { return std::tie(name, numbers) < std::tie(other.name, other.numbers); }
 };
 
 struct Answer {

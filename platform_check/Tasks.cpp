@@ -54,7 +54,8 @@ void wholeObjectsAreFreed(Trial& trial) {
     for (int turn = 0; turn < 4; ++turn) { // an allocator may notice a wrong address late
         bool destroyed = false;
         auto* object = new (__FILE__, __LINE__) TwoBases(destroyed);
-        if (!trial.expect(object != nullptr, "there is no memory for an object")) {
+        trial.expect(object != nullptr, "there is no memory for an object");
+        if (object == nullptr) {
             return;
         }
         CTaskAction* action = object;

@@ -41,18 +41,30 @@ test_preset() {
     "${as_is[@]}" ctest --preset "$1" -E "_check\$${2:+|$2}"
 }
 
+# All targets run at the same time, each with a share of the processors.
 check_fuzz() {
-    local target name corpus
+    local target name failed=no
+    declare -A running
+    : "${WIDESEEK_FUZZ_SECONDS:=20}"
     scripts/build.sh asan wideseek_fuzz_targets
     for target in tests/fuzz/*_fuzz.cpp; do
-        [[ -e $target ]] || continue
         name=$(basename "$target" .cpp)
-        corpus=build/fuzz/$name
-        mkdir -p "$corpus"
-        echo "$name, ${WIDESEEK_FUZZ_SECONDS:=15} seconds"
+        mkdir -p "build/fuzz/$name"
         "build/asan/$name" -max_total_time="$WIDESEEK_FUZZ_SECONDS" -timeout=60 -verbosity=0 -print_final_stats=1 \
-            -artifact_prefix="build/fuzz/$name-" "$corpus" "tests/fuzz/corpus/${name%_fuzz}"
+            -artifact_prefix="build/fuzz/$name-" "build/fuzz/$name" "tests/fuzz/corpus/${name%_fuzz}" \
+            >"build/fuzz/$name.log" 2>&1 &
+        running[$name]=$!
     done
+    for name in "${!running[@]}"; do
+        if wait "${running[$name]}"; then
+            echo "$name: $(sed -n 's/^stat::number_of_executed_units: *//p' "build/fuzz/$name.log") inputs"
+        else
+            cat "build/fuzz/$name.log" >&2
+            echo "check: $name fails; build/asan/$name FILE runs an input alone, those that fail are build/fuzz/$name-*" >&2
+            failed=yes
+        fi
+    done
+    [[ $failed == no ]]
 }
 
 check_run() {
