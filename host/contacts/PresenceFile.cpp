@@ -1,7 +1,9 @@
 #include "host/contacts/PresenceFile.h"
 
 #include "host/contacts/BuddyFile.h"
+#include "host/formats/KindOfNumber.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace host {
@@ -28,12 +30,27 @@ void addFact(KnownContact& known, const char* label, const std::string& value) {
     }
 }
 
+// Whether the attribute is one of the numbers, and its name is a kind, which the number then is of.
+bool tellsKind(const Attribute& attribute, std::vector<ContactNumber>& numbers) {
+    const NumberKind kind = kindOfNumber(attribute.strAttrName);
+    const auto number = std::find_if(numbers.begin(), numbers.end(),
+                                     [&](const ContactNumber& each) { return each.number == attribute.strValue; });
+    if (attribute.iType != ATTRIBUTE_TYPE_PHONE || kind == NumberKind::unknown || number == numbers.end()) {
+        return false;
+    }
+    number->kind = kind;
+    return true;
+}
+
 KnownContact knownBuddy(const PresenceInfo& buddy) {
     KnownContact known = knownContactOf(asContact(buddy));
     addFact(known, "Info 1", buddy.strInfo1);
     addFact(known, "Info 2", buddy.strInfo2);
     addFact(known, "Info", buddy.iInfo == -1 ? "" : std::to_string(buddy.iInfo));
     for (const Attribute& attribute : buddy.listAttr) {
+        if (tellsKind(attribute, known.numbers)) {
+            continue;
+        }
         addFact(known, attribute.strAttrName.empty() ? "Attribute" : attribute.strAttrName.c_str(), attribute.strValue);
     }
     return known;

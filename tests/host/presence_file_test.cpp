@@ -44,7 +44,7 @@ TEST_F(PresenceFile, ABuddyMatchesByItsNameAndFirstThreeNumbers) {
     write(R"([
         {"id": 4, "name": "Zoë Ångström", "info1": "i1", "info2": "i2", "info": 6, "attributes": [
             {"name": "mail", "type": 1, "value": "77@example.com"}, {"name": "a", "type": 2, "value": "+49 (30) 12"},
-            {"name": "b", "type": 2, "value": ""}, {"name": "c", "type": 2, "value": "33"},
+            {"name": "b", "type": 2, "value": ""}, {"name": "mobile", "type": 2, "value": "33"},
             {"name": "d", "type": 2, "value": "44"}]},
         {"id": 2}])");
     const std::pair<const char*, const char*> cases[] = {{"", "4 2 "}, {"zoe", "4 "}, {"963", "4 "}, {"4930", "4 "},
@@ -59,15 +59,15 @@ TEST_F(PresenceFile, ABuddyMatchesByItsNameAndFirstThreeNumbers) {
     EXPECT_EQ(info.iInfo, 6);
     const auto known = file.find({"Zoë Ångström", "33"});
     ASSERT_TRUE(known);
-    EXPECT_EQ(known->numbers, (std::vector<host::ContactNumber>{{"+493012"}, {"33"}}))
+    EXPECT_EQ(known->numbers, (std::vector<host::ContactNumber>{{"+493012"}, {"33", host::NumberKind::mobile}}))
         << "the row's and the others that match";
-    EXPECT_EQ(known->facts.size(), 7U) << "three informations and the four attributes that are not empty";
+    EXPECT_EQ(known->facts.size(), 6U) << "three informations and the attributes that tell more than a number's kind";
     EXPECT_FALSE(file.find({"Zoë Ångström", "44"}));
     std::string attributes;
     for (const Attribute& each : info.listAttr) {
         attributes += each.strAttrName + (each.iType == ATTRIBUTE_TYPE_PHONE ? " phone " : " ") + each.strValue + "; ";
     }
-    EXPECT_EQ(attributes, "mail 77@example.com; a phone +493012; b phone ; c phone 33; d phone 44; ");
+    EXPECT_EQ(attributes, "mail 77@example.com; a phone +493012; b phone ; mobile phone 33; d phone 44; ");
     info.iContactId = 3;
     EXPECT_EQ(file.GetContactDetail(info, PRESENCE_TYPE_BUDDY, 0), 0);
     EXPECT_TRUE(problems.empty());
