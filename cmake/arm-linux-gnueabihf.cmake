@@ -40,5 +40,5 @@ find_program(WIDESEEK_QEMU_ARM qemu-arm)
 mark_as_advanced(WIDESEEK_QEMU_ARM)
 if(WIDESEEK_QEMU_ARM)
   set(CMAKE_CROSSCOMPILING_EMULATOR
-      "${WIDESEEK_QEMU_ARM};-L;/usr/${triplet};-E;LD_LIBRARY_PATH=${sysroot}/usr/lib/${triplet}")
+      "${WIDESEEK_QEMU_ARM};-L;/usr/${triplet};-E;LD_LIBRARY_PATH=${sysroot}/usr/lib/${triplet};-E;GCONV_PATH=${sysroot}/usr/lib/${triplet}/gconv")
 endif()

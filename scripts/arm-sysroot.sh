@@ -8,12 +8,13 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-packages=(libpugixml-dev libutf8proc-dev libcsv-dev libinih-dev libldap-dev libcli11-dev nlohmann-json3-dev libncurses-dev
-    libgtest-dev libgmock-dev)
+packages=(libpugixml-dev libutf8proc-dev libcsv-dev libinih-dev libldap-dev libcurl4-openssl-dev libcli11-dev nlohmann-json3-dev
+    libncurses-dev libgtest-dev libgmock-dev)
 folder=${1:-build/arm-sysroot}
 stamp=$folder/.packages
+content="${packages[*]} and character sets"
 
-[[ ! -f $stamp || $(<"$stamp") != "${packages[*]}" ]] || exit 0
+[[ ! -f $stamp || $(<"$stamp") != "$content" ]] || exit 0
 rm -rf "$folder"
 mkdir -p "$folder"
 
@@ -38,11 +39,16 @@ if ! private_apt install -y --no-install-recommends --download-only "${packages[
 fi
 for package in "$state"/cache/archives/*.deb; do
     case ${package##*/} in
-    libc6_* | libc6-dev_* | linux-libc-dev_* | libstdc++6_* | libgcc-s1_*) ;; # the compiler has its own
+    libc6_*) dpkg -x "$package" "$state/libc" ;;
+    libc6-dev_* | linux-libc-dev_* | libstdc++6_* | libgcc-s1_*) ;; # the compiler has its own
     *) dpkg -x "$package" "$folder" ;;
     esac
 done
+# The compiler's own C library comes without the character sets that it can convert.
+gconv=$(cd "$state/libc" && find . -type d -name gconv -print -quit)
+mkdir -p "$folder/${gconv%/gconv}"
+cp -a "$state/libc/$gconv" "$folder/${gconv%/gconv}"
 # As on a system, where /lib is a link to /usr/lib.
 cp -a "$folder/lib/." "$folder/usr/lib/"
 rm -rf "$folder/lib"
-echo "${packages[*]}" >"$stamp"
+echo "$content" >"$stamp"
