@@ -11,7 +11,7 @@ namespace host {
 namespace {
 
 constexpr int mostRedirects = 5;
-constexpr std::size_t mostRequests = 20'000; // an address book of two million cards takes as many
+constexpr std::size_t mostRequests = 20'000; // an address book of a million cards takes as many
 constexpr std::chrono::seconds longestWait = std::chrono::hours(24);
 
 bool isRedirect(const HttpResponse& response) {
