@@ -83,7 +83,7 @@ std::optional<Line> lineOf(std::string_view text) {
 
 const Attribute* attributeOf(std::string_view name) {
     const auto* found = std::find_if(std::begin(attributes), std::end(attributes),
-                                     [&](const Attribute& each) { return isSameName(each.name, name); });
+                                     [&](const Attribute& each) { return text::isSameName(each.name, name); });
     return found == std::end(attributes) ? nullptr : found;
 }
 
@@ -131,8 +131,8 @@ private:
         const auto line = lineOf(m_lines.whole());
         if (!line) {
             m_problems.add(m_lines.number(), "has no colon - write ATTRIBUTE: VALUE; line skipped");
-        } else if (isSameName(line->attribute, "changetype")) {
-            m_changes = !isSameName(line->value, "add");
+        } else if (text::isSameName(line->attribute, "changetype")) {
+            m_changes = !text::isSameName(line->value, "add");
         } else if (const Attribute* attribute = attributeOf(line->attribute)) {
             take(*attribute, *line);
         }
@@ -222,8 +222,8 @@ bool isLdif(std::string_view text) {
             continue;
         }
         const auto line = lineOf(lines.first());
-        return line &&
-               (isSameName(line->attribute, "dn") || (isSameName(line->attribute, "version") && line->value == "1"));
+        return line && (text::isSameName(line->attribute, "dn") ||
+                        (text::isSameName(line->attribute, "version") && line->value == "1"));
     }
     return false;
 }

@@ -1,6 +1,7 @@
 #include "host/formats/VCardProperty.h"
 
 #include "host/formats/KindOfNumber.h"
+#include "host/text/Fold.h"
 
 #include <algorithm>
 
@@ -38,13 +39,13 @@ std::string_view unquoted(std::string_view text) {
 }
 
 void readParameter(std::string_view name, std::string_view value, KindsOfNumber& kinds, VCardProperty& property) {
-    if (isSameName(name, "CHARSET")) {
+    if (text::isSameName(name, "CHARSET")) {
         property.charset = value;
-    } else if (isSameName(value, "QUOTED-PRINTABLE")) {
+    } else if (text::isSameName(value, "QUOTED-PRINTABLE")) {
         property.quotedPrintable = true;
-    } else if (isSameName(name, "ENCODING") || isSameName(value, "BASE64")) {
-        property.base64 = isSameName(value, "B") || isSameName(value, "BASE64");
-    } else if (name.empty() || isSameName(name, "TYPE")) {
+    } else if (text::isSameName(name, "ENCODING") || text::isSameName(value, "BASE64")) {
+        property.base64 = text::isSameName(value, "B") || text::isSameName(value, "BASE64");
+    } else if (name.empty() || text::isSameName(name, "TYPE")) {
         kinds.add(value);
     }
 }
@@ -75,10 +76,6 @@ int hexOf(char byte) {
 }
 
 } // namespace
-
-bool isSameName(std::string_view a, std::string_view b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return lower(x) == lower(y); });
-}
 
 std::string_view propertyName(std::string_view line) {
     const std::string_view name = line.substr(0, line.find_first_of(";:"));

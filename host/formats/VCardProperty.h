@@ -23,9 +23,6 @@ struct VCardProperty {
     NumberKind kind = NumberKind::unknown; // by its types: what a number of this property is for
 };
 
-// Whether two names are the same but for the case of their letters (ASCII).
-bool isSameName(std::string_view a, std::string_view b);
-
 // The name at the front of the line, without its group: "TEL". Whatever stands there when it is no property.
 std::string_view propertyName(std::string_view line);
 

@@ -42,7 +42,7 @@ constexpr Name names[] = {{"TEL", Field::number},
 
 Field fieldOf(std::string_view name) {
     const auto* found = std::find_if(std::begin(names), std::end(names), [&](const Name& each) {
-        return each.name.size() == name.size() && isSameName(each.name, name);
+        return each.name.size() == name.size() && text::isSameName(each.name, name);
     });
     return found == std::end(names) ? Field::nothing : found->field;
 }
@@ -51,8 +51,8 @@ Field fieldOf(std::string_view name) {
 bool isMark(std::string_view line, std::string_view name) {
     line = text::trimBlanks(line);
     const std::size_t colon = line.find(':');
-    return colon != std::string_view::npos && isSameName(text::trimBlanks(line.substr(0, colon)), name) &&
-           isSameName(text::trimBlanks(line.substr(colon + 1)), "VCARD");
+    return colon != std::string_view::npos && text::isSameName(text::trimBlanks(line.substr(0, colon)), name) &&
+           text::isSameName(text::trimBlanks(line.substr(colon + 1)), "VCARD");
 }
 
 // Of the parts of a name (RFC 6350, section 6.2.2) as people write it: prefix, given, additional, family, suffix.
@@ -218,7 +218,7 @@ void VCardReader::readProperty(Field field, const VCardProperty& property) {
     case Field::group:
         return addFact(FactKind::group, property);
     case Field::kind:
-        m_card.isGroup = isSameName(text::trimBlanks(property.value), "group");
+        m_card.isGroup = text::isSameName(text::trimBlanks(property.value), "group");
         return;
     case Field::version:
         m_old = text::trimBlanks(property.value) == "2.1";
@@ -238,7 +238,7 @@ void VCardReader::readProperty(Field field, const VCardProperty& property) {
 void VCardReader::readNumber(const VCardProperty& property) {
     std::string number = textOf(property);
     const std::size_t colon = number.find(':');
-    if (colon != std::string::npos && !isSameName(std::string_view(number).substr(0, colon), "tel")) {
+    if (colon != std::string::npos && !text::isSameName(std::string_view(number).substr(0, colon), "tel")) {
         m_builder.addFact(FactKind::chat, number, m_lines.number());
         return;
     }
@@ -311,7 +311,7 @@ std::vector<std::string> VCardReader::partsOf(const VCardProperty& property, cha
 
 // As UTF-8. What names no encoding is UTF-8, unless it cannot be.
 std::string VCardReader::converted(std::string bytes, std::string_view charset) {
-    const bool isTold = !charset.empty() && !isSameName(charset, "UTF-8");
+    const bool isTold = !charset.empty() && !text::isSameName(charset, "UTF-8");
     const bool isUtf8 = text::isUtf8(bytes);
     if (isUtf8 && !isTold) {
         return bytes;

@@ -105,6 +105,10 @@ void appendLower(std::string_view ascii, std::string& out) {
     }
 }
 
+char lowerAscii(char byte) {
+    return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
+}
+
 } // namespace
 
 bool isBlank(std::int32_t codePoint) {
@@ -149,6 +153,11 @@ std::string folded(std::string_view text) {
     out.reserve(text.size());
     appendFolded(text, out);
     return out;
+}
+
+bool isSameName(std::string_view a, std::string_view b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](char x, char y) { return lowerAscii(x) == lowerAscii(y); });
 }
 
 } // namespace host::text

@@ -1,20 +1,13 @@
 #include "host/ldap/server/LdapAttributes.h"
 
+#include "host/text/Fold.h"
+
 #include <algorithm>
 #include <iterator>
 
 namespace host {
 
 namespace {
-
-// Of attributes, which have no letters but those of ASCII (RFC 4512, section 1.4).
-bool isSame(std::string_view a, std::string_view b) {
-    const auto small = [](char byte) {
-        return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
-    };
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [&](char one, char other) { return small(one) == small(other); });
-}
 
 struct KindOf {
     std::string_view attribute;
@@ -71,13 +64,13 @@ constexpr FactOf facts[] = {
 
 NumberKind kindOfAttribute(std::string_view attribute) {
     const auto known = std::find_if(std::begin(kinds), std::end(kinds),
-                                    [&](const KindOf& each) { return isSame(each.attribute, attribute); });
+                                    [&](const KindOf& each) { return text::isSameName(each.attribute, attribute); });
     return known == std::end(kinds) ? NumberKind::unknown : known->kind;
 }
 
 std::string labelOfAttribute(std::string_view attribute) {
     const auto known = std::find_if(std::begin(facts), std::end(facts),
-                                    [&](const FactOf& each) { return isSame(each.attribute, attribute); });
+                                    [&](const FactOf& each) { return text::isSameName(each.attribute, attribute); });
     return known == std::end(facts) ? std::string(attribute) : labelOf(known->kind);
 }
 
