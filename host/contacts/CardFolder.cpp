@@ -1,5 +1,7 @@
 #include "host/contacts/CardFolder.h"
 
+#include "host/text/Fold.h"
+
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -19,8 +21,7 @@ constexpr int shareOfTime = 20; // one part of so many
 
 bool isCardFile(const fs::path& file) {
     std::string extension = file.extension().string();
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-                   [](char byte) { return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte; });
+    std::transform(extension.begin(), extension.end(), extension.begin(), text::lowerAscii);
     return extension == ".vcf" && !file.filename().string().starts_with('.');
 }
 

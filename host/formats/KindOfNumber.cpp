@@ -123,8 +123,7 @@ bool KindsOfNumber::add(std::string_view word) {
         return false;
     }
     std::string small(word);
-    std::transform(small.begin(), small.end(), small.begin(),
-                   [](char byte) { return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte; });
+    std::transform(small.begin(), small.end(), small.begin(), text::lowerAscii);
     const auto known = words().find(small);
     if (known == words().end()) {
         return false;

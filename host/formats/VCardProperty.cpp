@@ -9,10 +9,6 @@ namespace host {
 
 namespace {
 
-char lower(char byte) {
-    return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
-}
-
 // Where one of these bytes stands outside quotation marks; npos: nowhere.
 std::size_t findUnquoted(std::string_view text, std::string_view wanted) {
     bool quoted = false;
@@ -71,7 +67,7 @@ int hexOf(char byte) {
     if (byte >= '0' && byte <= '9') {
         return byte - '0';
     }
-    const char small = lower(byte);
+    const char small = text::lowerAscii(byte);
     return small >= 'a' && small <= 'f' ? small - 'a' + 10 : -1;
 }
 
@@ -87,7 +83,7 @@ bool isQuotedPrintable(std::string_view line) {
     constexpr std::string_view wanted = "QUOTED-PRINTABLE";
     const std::string_view parameters = line.substr(0, line.find(':'));
     return std::search(parameters.begin(), parameters.end(), wanted.begin(), wanted.end(),
-                       [](char a, char b) { return lower(a) == lower(b); }) != parameters.end();
+                       [](char a, char b) { return text::lowerAscii(a) == text::lowerAscii(b); }) != parameters.end();
 }
 
 std::optional<VCardProperty> readProperty(std::string_view line) {

@@ -105,10 +105,6 @@ void appendLower(std::string_view ascii, std::string& out) {
     }
 }
 
-char lowerAscii(char byte) {
-    return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
-}
-
 } // namespace
 
 bool isBlank(std::int32_t codePoint) {

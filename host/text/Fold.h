@@ -23,6 +23,11 @@ std::string_view trimBlanks(std::string_view text);
 void appendFolded(std::string_view text, std::string& out);
 std::string folded(std::string_view text);
 
+// The small form of an ASCII letter; any other byte as it is.
+constexpr char lowerAscii(char byte) {
+    return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
+}
+
 // Whether two names are the same in any case of their ASCII letters, as names of formats and protocols are compared
 // (attributes of LDAP: RFC 4512, section 1.4; properties of a vCard: RFC 6350, section 3.3).
 bool isSameName(std::string_view a, std::string_view b);
