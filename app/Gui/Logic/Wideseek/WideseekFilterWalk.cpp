@@ -1,8 +1,10 @@
 #include "app/Gui/Logic/Wideseek/WideseekFilterWalk.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <iterator>
+#include <numeric>
 #include <tuple>
 #include <utility>
 
@@ -14,6 +16,9 @@ using Place = std::vector<FilterPlace>::iterator;
 
 // So few are put in order without memory beside them.
 constexpr std::ptrdiff_t FEW_ROWS = 32;
+
+// From so many on, it takes less time to deal them out byte by byte than to compare them.
+constexpr std::ptrdiff_t MANY_ROWS = 512;
 
 // From so many on, rows that begin alike are put in order by what follows.
 constexpr std::ptrdiff_t MANY_ALIKE = 4;
@@ -43,10 +48,48 @@ template <typename Before> void Sort(Place itFirst, Place itEnd, Before isBefore
     }
 }
 
+// Deals the places out by one byte of their names after the other, from the last to the first: a radix sort. A byte that
+// all have alike needs no dealing. What is equal stays as it stands.
+void DealOut(Place itFirst, Place itEnd) {
+    constexpr std::size_t BYTES = sizeof itFirst->uNameBytes;
+    using Counts = std::array<std::uint32_t, 256>;
+    const auto byteOf = [](const FilterPlace& place, std::size_t uByte) {
+        return static_cast<unsigned char>(place.uNameBytes >> 8U * uByte);
+    };
+    std::array<Counts, BYTES> arrCount{};
+    for (Place it = itFirst; it != itEnd; ++it) {
+        for (std::size_t uByte = 0; uByte < BYTES; ++uByte) {
+            ++arrCount[uByte][byteOf(*it, uByte)];
+        }
+    }
+    const auto uPlaces = static_cast<std::size_t>(itEnd - itFirst);
+    std::vector<FilterPlace> vecDealt(uPlaces);
+    FilterPlace* pFrom = &*itFirst;
+    FilterPlace* pTo = vecDealt.data();
+    for (std::size_t uByte = 0; uByte < BYTES; ++uByte) {
+        Counts& count = arrCount[uByte];
+        if (count[byteOf(*pFrom, uByte)] == uPlaces) {
+            continue;
+        }
+        std::exclusive_scan(count.begin(), count.end(), count.begin(), 0U);
+        for (std::size_t i = 0; i < uPlaces; ++i) {
+            pTo[count[byteOf(pFrom[i], uByte)]++] = pFrom[i];
+        }
+        std::swap(pFrom, pTo);
+    }
+    if (pFrom == vecDealt.data()) {
+        std::copy(vecDealt.begin(), vecDealt.end(), itFirst);
+    }
+}
+
 // The names of the places are alike up to uFrom, and the places hold their bytes from there on. A last byte of 0 says
 // that they end there. Looking at each row once for its next bytes is less work than comparing rows with each other.
 void SortByName(Place itFirst, Place itEnd, std::size_t uFrom) {
-    Sort(itFirst, itEnd, [](const FilterPlace& a, const FilterPlace& b) { return a.uNameBytes < b.uNameBytes; });
+    if (itEnd - itFirst >= MANY_ROWS) {
+        DealOut(itFirst, itEnd);
+    } else {
+        Sort(itFirst, itEnd, [](const FilterPlace& a, const FilterPlace& b) { return a.uNameBytes < b.uNameBytes; });
+    }
     const std::size_t uNext = uFrom + sizeof itFirst->uNameBytes;
     while (itFirst != itEnd) {
         const Place itAlike = itFirst;
