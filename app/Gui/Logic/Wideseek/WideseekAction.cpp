@@ -127,6 +127,7 @@ bool CWideseekAction::MyReSearch(std::string strKey, std::string strRawKey) {
         }
         MyReSearchByType(item.strIdName, strKey, strRawKey);
         MyCheckResult(strKey, strRawKey);
+        m_walk.AddNoted();
     }
     if (list.listItem.empty()) {
         MyCheckResult(strKey, strRawKey);
@@ -262,6 +263,7 @@ void CWideseekAction::OnTaskActionCallbackLdap(NS_TA::CLdapAction* pAction) {
     MyRestoreCallback();
     pBucket->iState = RESULT_STATE_DONE;
     MyCheckResult(pAction->GetKey(), strConverted);
+    m_walk.AddNoted();
 }
 
 } // namespace NS_WS

@@ -157,6 +157,8 @@ private:
     bool MyReSearchUC(std::string strKey, const std::string& strRawKey) CH_REQUIRES(m_csWork);
 
     void MyInsertResult(ResultData* pBucket, OxList<DirectorySearchData>& hitList) CH_REQUIRES(m_csWork);
+
+    // Whoever may have a page sent next records the rows that are noted here meanwhile: m_walk.AddNoted.
     void MyMergeRows(ResultData& bucket, std::list<ItemData>& listNew) CH_REQUIRES(m_csWork);
     bool MyIsFilterExist(const ItemData& item) CH_REQUIRES(m_csWork);
     bool MyAddFilter(const ItemData& item) CH_REQUIRES(m_csWork);

@@ -7,6 +7,10 @@
 #include "app/Gui/Logic/Wideseek/modWideseek.h"
 #include "platform/CommonAPI.h"
 
+#include <algorithm>
+#include <cstddef>
+#include <iterator>
+
 namespace NS_WS {
 
 namespace {
@@ -26,6 +30,29 @@ public:
 private:
     CWideseekCBData* m_pData;
 };
+
+// The row with this index, at most the list's size, from the end that is nearer.
+std::list<ItemData>::const_iterator RowAt(const std::list<ItemData>& listItem, std::size_t uIndex) {
+    const std::size_t uBehind = listItem.size() - uIndex;
+    return uIndex <= uBehind ? std::next(listItem.begin(), static_cast<std::ptrdiff_t>(uIndex))
+                             : std::prev(listItem.end(), static_cast<std::ptrdiff_t>(uBehind));
+}
+
+// Appends the rows that the page shows. Those behind it are counted without being looked at, and those in front of it
+// are stepped over: whoever pages through many rows would wait for it each time.
+void CutBucket(const ResultData& bucket, CPageCut& cut, CWideseekPage& page) {
+    const std::list<ItemData>& listItem = bucket.listItem;
+    const std::size_t uInFront = bucket.uBlank == 0 ? std::min(cut.GetLead(), listItem.size()) : 0;
+    cut.Count(uInFront);
+    std::size_t uLeft = bucket.GetShown() - uInFront;
+    for (auto it = RowAt(listItem, uInFront); it != listItem.end() && !cut.IsComplete(); ++it) {
+        if (cut.Offer(*it)) {
+            page.Append(*it);
+        }
+        uLeft -= it->IsBlank() ? 0U : 1U;
+    }
+    cut.Count(uLeft);
+}
 
 } // namespace
 
@@ -51,13 +78,8 @@ bool CWideseekAction::MyCopyResult(std::string strKey, std::string strRawKey) {
         const CResultLock lock(m_csResult, "MyCopyResult-----------LOCK-----------------",
                                "CWideseekAction::MyCopyResult----------- UN LOCK-----------------");
         for (const ResultData* pBucket : m_listResultData) {
-            if (pBucket->iState != RESULT_STATE_DONE) {
-                continue;
-            }
-            for (const ItemData& item : pBucket->listItem) {
-                if (cut.Offer(item)) {
-                    m_page.Append(item);
-                }
+            if (pBucket->iState == RESULT_STATE_DONE) {
+                CutBucket(*pBucket, cut, m_page);
             }
         }
     }

@@ -123,6 +123,7 @@ bool CWideseekAction::MyReSearchLdap(std::string strKey, std::string /*strRawKey
     // The coming answer must not find its own former rows in the filter.
     std::list<ItemData> listDropped;
     pBucket->places.Forget();
+    pBucket->uBlank = 0;
     listDropped.swap(pBucket->listItem);
     MyForgetRows(listDropped);
     pBucket->iState = RESULT_STATE_SEARCHING;
@@ -171,9 +172,15 @@ void CWideseekAction::MyInsertResult(ResultData* pBucket, OxList<DirectorySearch
 
 // The duplicate rule: for each row the filter is asked, and what it does not hold is recorded there and appended.
 void CWideseekAction::MyMergeRows(ResultData& bucket, std::list<ItemData>& listNew) {
+    const bool bWaited = MyHasCallback();
     for (const FilterPlace& place : InFilterOrder(listNew)) {
         if (MyIsFilterExist(*place.itRow)) {
             listNew.erase(place.itRow);
+            continue;
+        }
+        bucket.uBlank += place.itRow->IsBlank() ? 1U : 0U;
+        if (bWaited) {
+            m_walk.Note(place.itRow);
         } else {
             MyAddFilter(*place.itRow);
         }

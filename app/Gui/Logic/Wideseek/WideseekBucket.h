@@ -2,6 +2,7 @@
 // rows' places.
 #pragma once
 
+#include <cstddef>
 #include <list>
 #include <string>
 #include <vector>
@@ -61,7 +62,11 @@ struct ResultData {
     std::list<ItemData> listItem;
     std::string strType; // source id
     int iState = RESULT_STATE_NONE;
-    CRowPlaces places; // of listItem's rows; forgotten by whoever changes listItem
+    CRowPlaces places;      // of listItem's rows; forgotten by whoever changes listItem
+    std::size_t uBlank = 0; // how many of them are blank
+
+    // How many rows are shown, if the state lets any be shown.
+    std::size_t GetShown() const { return listItem.size() - uBlank; }
 };
 
 } // namespace NS_WS

@@ -127,6 +127,9 @@ CWideseekFilterWalk::CWideseekFilterWalk(Filter& mapFilter) : m_mapFilter(mapFil
 }
 
 bool CWideseekFilterWalk::Holds(const ItemData& item) {
+    if (!m_vecNoted.empty() && !(*m_vecNoted.back().itRow < item)) {
+        return true;
+    }
     m_itPlace = MyFind(item);
     return m_itPlace != m_mapFilter.end() && !(item < m_itPlace->first);
 }
@@ -147,7 +150,22 @@ bool CWideseekFilterWalk::Remove(const ItemData& item) {
     return true;
 }
 
+void CWideseekFilterWalk::Note(std::list<ItemData>::const_iterator itRow) {
+    m_vecNoted.push_back({itRow, m_itPlace});
+}
+
+void CWideseekFilterWalk::AddNoted() {
+    const NotedRow* const pEnd = m_vecNoted.data() + m_vecNoted.size();
+    for (const NotedRow* pNoted = m_vecNoted.data(); pNoted != pEnd; ++pNoted) {
+        FetchAhead(pNoted, pEnd);
+        m_itPlace = pNoted->itPlace;
+        Add(*pNoted->itRow);
+    }
+    m_vecNoted = {};
+}
+
 void CWideseekFilterWalk::Clear() {
+    m_vecNoted = {};
     m_mapFilter.clear();
     m_itPlace = m_mapFilter.end();
 }

@@ -14,6 +14,19 @@
 //
 // In any other order the answers are the same and only take longer. Whoever has a walk changes the filter through it
 // and in no other way. Nothing is locked.
+//
+// While somebody waits for a page, new rows are only noted, which is a third of the work, and recorded when the page has
+// been sent. Until then no other rows may be asked for than those of the same list, in the filter's order:
+//
+//     for (const FilterPlace& place : InFilterOrder(listNew)) {
+//         if (walk.Holds(*place.itRow)) {
+//             listNew.erase(place.itRow);
+//         } else {
+//             walk.Note(place.itRow);
+//         }
+//     }
+//     ... // the rows may move to another list
+//     walk.AddNoted();
 #pragma once
 
 #include "app/Gui/Logic/Wideseek/WideseekBucket.h"
@@ -37,7 +50,7 @@ public:
     CWideseekFilterWalk(const CWideseekFilterWalk&) = delete;
     CWideseekFilterWalk& operator=(const CWideseekFilterWalk&) = delete;
 
-    // Whether the filter holds the row's name and number.
+    // Whether the filter holds the row's name and number, or they were noted last.
     bool Holds(const ItemData& item);
 
     // Records them. False when they are there already.
@@ -46,15 +59,25 @@ public:
     // Takes them out. False when they are not there.
     bool Remove(const ItemData& item);
 
-    // Takes out all there is.
+    // The row that Holds was asked for last, and did not hold, is recorded by AddNoted. It stays where it is until then.
+    void Note(std::list<ItemData>::const_iterator itRow);
+    void AddNoted();
+
+    // Takes out all there is, and forgets what was noted.
     void Clear();
 
 private:
+    struct NotedRow {
+        std::list<ItemData>::const_iterator itRow;
+        Filter::iterator itPlace; // in the filter, before which it belongs
+    };
+
     // Where the row stands in the filter or would stand.
     Filter::iterator MyFind(const ItemData& item) const;
 
     Filter& m_mapFilter;
     Filter::iterator m_itPlace; // where the last row stood or would have stood
+    std::vector<NotedRow> m_vecNoted;
 };
 
 // Where a row is, and some bytes of its name beside it, so that most rows need not be looked at to be put in order.
@@ -64,7 +87,7 @@ struct FilterPlace {
 };
 
 // Rows lie far apart in memory. What is looked at first of the rows a few places on is on its way from now on.
-inline void FetchAhead(const FilterPlace* pPlace, const FilterPlace* pEnd) {
+template <typename Place> void FetchAhead(const Place* pPlace, const Place* pEnd) {
     constexpr std::ptrdiff_t ROWS_AHEAD = 16;
     constexpr std::ptrdiff_t NAMES_AHEAD = 8;
     if (pEnd - pPlace > ROWS_AHEAD) {

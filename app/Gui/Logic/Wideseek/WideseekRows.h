@@ -6,6 +6,7 @@
 #include "app/Gui/Logic/Wideseek/WideseekData.h"
 #include "platform/Ldap.h"
 
+#include <cstddef>
 #include <list>
 #include <string>
 
@@ -64,10 +65,18 @@ public:
         return m_uNext++ < m_uCount;
     }
 
-    // How many rows there are in all, of those offered so far.
-    int GetTotal() const { return static_cast<int>(m_uNext + m_uFirst); }
+    // How many rows come in front of the page from now on, and whether it holds none of all that come. Such rows need
+    // not be offered: to count those that are shown will do.
+    std::size_t GetLead() const { return MyIndex() < m_uFirst ? m_uFirst - MyIndex() : 0; }
+    bool IsComplete() const { return MyIndex() >= m_uFirst + m_uCount; }
+    void Count(std::size_t uShownRows) { m_uNext += static_cast<unsigned int>(uShownRows); }
+
+    // How many rows there are in all, of those offered or counted so far.
+    int GetTotal() const { return static_cast<int>(MyIndex()); }
 
 private:
+    unsigned int MyIndex() const { return m_uNext + m_uFirst; }
+
     unsigned int m_uFirst;
     unsigned int m_uCount;
     unsigned int m_uNext; // index of the next row, counted from the page's first one: before that a huge number
