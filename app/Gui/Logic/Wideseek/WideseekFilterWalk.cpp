@@ -48,8 +48,8 @@ template <typename Before> void Sort(Place itFirst, Place itEnd, Before isBefore
     }
 }
 
-// Deals the places out by one byte of their names after the other, from the last to the first: a radix sort. A byte that
-// all have alike needs no dealing. What is equal stays as it stands.
+// Deals the places out by one byte of their names after the other, from the last to the first: a radix sort. A byte
+// that all have alike needs no dealing. What is equal stays as it stands.
 void DealOut(Place itFirst, Place itEnd) {
     constexpr std::size_t BYTES = sizeof itFirst->uNameBytes;
     using Counts = std::array<std::uint32_t, 256>;

@@ -15,8 +15,8 @@
 // In any other order the answers are the same and only take longer. Whoever has a walk changes the filter through it
 // and in no other way. Nothing is locked.
 //
-// While somebody waits for a page, new rows are only noted, which is a third of the work, and recorded when the page has
-// been sent. Until then no other rows may be asked for than those of the same list, in the filter's order:
+// While somebody waits for a page, new rows are only noted, which is a third of the work, and recorded when the page
+// has been sent. Until then no other rows may be asked for than those of the same list, in the filter's order:
 //
 //     for (const FilterPlace& place : InFilterOrder(listNew)) {
 //         if (walk.Holds(*place.itRow)) {
@@ -59,7 +59,8 @@ public:
     // Takes them out. False when they are not there.
     bool Remove(const ItemData& item);
 
-    // The row that Holds was asked for last, and did not hold, is recorded by AddNoted. It stays where it is until then.
+    // The row that Holds was asked for last, and did not hold, is recorded by AddNoted. It stays where it is until
+    // then.
     void Note(std::list<ItemData>::const_iterator itRow);
     void AddNoted();
 
