@@ -46,6 +46,10 @@ an answer for another key is taken | WideseekAction.cpp | s/ || strConverted != 
 a failed answer is taken | WideseekAction.cpp | s/pAction->GetResultCode() != 0 || //
 what was given up keeps its key | WideseekAction.cpp | /::MyGiveUp/,/^}/s/ResetKey();//
 what one source found is forgotten by the next | WideseekActionSource.cpp | /::MyMergeRows/,/^}/s/MyAddFilter(\*place.itRow);/(void)place;/
+what was noted for the next source is lost | WideseekAction.cpp | /::MyReSearch(/,/^}/s/m_walk.AddNoted();//
+what was noted of an answer is lost | WideseekAction.cpp | /::OnTaskActionCallbackLdap/,/^}/s/m_walk.AddNoted();//
+a contact's number is noted twice | WideseekFilterWalk.cpp | s/!(\*m_vecNoted.back().itRow < item)/item < *m_vecNoted.back().itRow/
+the rows in front of a page count twice | WideseekActionPage.cpp | s/bucket.GetShown() - uInFront/bucket.GetShown()/
 LDAP's former rows stay in the filter | WideseekActionSource.cpp | /::MyReSearchLdap/,/^}/s/MyForgetRows(listDropped);//
 a dropped row stays in the filter when most stay | WideseekActionSource.cpp | s/^            MyRemoveFilter(\*place.itRow);/(void)place;/
 a filter begun anew forgets what is left | WideseekActionSource.cpp | /::MyForgetRows/,/^}/s/MyAddFilter(\*place.itRow);/(void)place;/
@@ -58,7 +62,7 @@ the second number's row shows the first one | WideseekRows.cpp | s/row.strNumber
 a row forgets the contact's third number | WideseekRows.cpp | s/arrNumber\[i == 2 ? 1 : 2\]/arrNumber[1]/
 calls without name and number are offered | WideseekActionRecent.cpp | s/!row.IsBlank()/row.strExtra2 != "-"/
 a page has a row too many | WideseekRows.h | s/m_uNext++ < m_uCount/m_uNext++ <= m_uCount/
-a total is one too small | WideseekRows.h | s/m_uNext + m_uFirst)/m_uNext + m_uFirst) - 1/
+a total is one too small | WideseekRows.h | s/static_cast<int>(MyIndex())/& - 1/
 a narrowed page lacks its first row | WideseekActionNarrow.cpp | /::MyNarrowRows/,/^}/s/CPageCut cut(iFirst, /CPageCut cut(iFirst + 1, /
 rows of one name match alike | WideseekRows.h | s/return (a.strNumber == b.strNumber2 .*/return true ||/
 contacts of one number match alike | WideseekRows.h | s/if (a.strName != b.strName)/if (a.strName.empty())/
