@@ -2,10 +2,12 @@
 
 #include "host/formats/FoldedLines.h"
 #include "host/formats/VCardProperty.h"
+#include "host/sources/DirectoryAttributes.h"
 #include "host/text/Fold.h"
 #include "host/text/Utf8.h"
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -16,44 +18,31 @@ namespace {
 using Use = ColumnMeaning::Use;
 
 struct Attribute {
-    std::string_view name;
-    Use use;
-    NumberKind kind = NumberKind::unknown;
+    Use use{};
+    NumberKind kind{};
     FactKind fact{};
 };
 
-constexpr Attribute attributes[] = {
+struct NamedUse {
+    std::string_view name;
+    Use use;
+};
+
+// What makes up a name or an address; numbers and facts are those of any directory.
+constexpr NamedUse namedUses[] = {
     {"cn", Use::fullName},
     {"displayName", Use::fullName},
     {"givenName", Use::givenName},
     {"sn", Use::familyName},
-    {"telephoneNumber", Use::number, NumberKind::work},
-    {"mobile", Use::number, NumberKind::mobile},
-    {"mobileTelephoneNumber", Use::number, NumberKind::mobile},
-    {"cellPhone", Use::number, NumberKind::mobile},
-    {"homePhone", Use::number, NumberKind::home},
-    {"homeTelephoneNumber", Use::number, NumberKind::home},
-    {"facsimileTelephoneNumber", Use::number, NumberKind::fax},
-    {"fax", Use::number, NumberKind::fax},
-    {"pager", Use::number, NumberKind::other},
-    {"pagerTelephoneNumber", Use::number, NumberKind::other},
-    {"otherTelephone", Use::number, NumberKind::other},
-    {"o", Use::fact, NumberKind::unknown, FactKind::organisation},
-    {"organizationName", Use::fact, NumberKind::unknown, FactKind::organisation},
-    {"company", Use::fact, NumberKind::unknown, FactKind::organisation},
-    {"ou", Use::fact, NumberKind::unknown, FactKind::department},
-    {"department", Use::fact, NumberKind::unknown, FactKind::department},
-    {"title", Use::fact, NumberKind::unknown, FactKind::title},
-    {"mail", Use::fact, NumberKind::unknown, FactKind::email},
     {"street", Use::addressPart},
+    {"streetAddress", Use::addressPart},
     {"postalAddress", Use::addressPart},
     {"l", Use::addressPart},
+    {"localityName", Use::addressPart},
     {"postalCode", Use::addressPart},
     {"st", Use::addressPart},
     {"c", Use::addressPart},
     {"co", Use::addressPart},
-    {"labeledURI", Use::fact, NumberKind::unknown, FactKind::web},
-    {"description", Use::fact, NumberKind::unknown, FactKind::note},
 };
 
 // A line of an entry taken apart: "cn;lang-en:: WsO2w6k=".
@@ -81,10 +70,19 @@ std::optional<Line> lineOf(std::string_view text) {
     return line;
 }
 
-const Attribute* attributeOf(std::string_view name) {
-    const auto* found = std::find_if(std::begin(attributes), std::end(attributes),
-                                     [&](const Attribute& each) { return text::isSameName(each.name, name); });
-    return found == std::end(attributes) ? nullptr : found;
+std::optional<Attribute> attributeOf(std::string_view name) {
+    const auto* const part = std::find_if(std::begin(namedUses), std::end(namedUses),
+                                          [&](const NamedUse& each) { return text::isSameName(each.name, name); });
+    if (part != std::end(namedUses)) {
+        return Attribute{part->use};
+    }
+    if (const NumberKind kind = kindOfAttribute(name); kind != NumberKind::unknown) {
+        return Attribute{Use::number, kind};
+    }
+    if (const auto fact = factOfAttribute(name)) {
+        return Attribute{Use::fact, NumberKind::unknown, *fact};
+    }
+    return std::nullopt;
 }
 
 class Entries {
@@ -133,7 +131,7 @@ private:
             m_problems.add(m_lines.number(), "has no colon - write ATTRIBUTE: VALUE; line skipped");
         } else if (text::isSameName(line->attribute, "changetype")) {
             m_changes = !text::isSameName(line->value, "add");
-        } else if (const Attribute* attribute = attributeOf(line->attribute)) {
+        } else if (const auto attribute = attributeOf(line->attribute)) {
             take(*attribute, *line);
         }
     }

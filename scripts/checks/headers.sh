@@ -36,7 +36,7 @@ check_includes tools "\"((tools|host|platform)/[A-Za-z0-9/]+|$for_callers)\.h\"|
 rooms='
 text
 kernel
-sources
+sources       text
 files         text
 settings      text files
 formats       text files sources

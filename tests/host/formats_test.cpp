@@ -156,10 +156,10 @@ TEST(Formats, ExportsAreReadWhateverTheirFormSeparatorEncodingAndLanguage) {
          "  7946 0070\nmobile;x-a: 7\nhomePhone:< file:///etc/passwd\nmail: a@example.com\no: Ltd\npostalAddress: 1 "
          "Road$Leeds\n"
          "\ndn: ou=none\nou: none\n\n\ndn: cn=b\nchangetype: delete\n\ndn: cn=Bo\nsn: Lee\ngivenName: Bo\nodd\nfax: "
-         "4\n",
+         "4\nipPhone: 8\n",
          {"Zo\xC3\xAB Fairweather | work:+442079460070 mobile:7 email=a@example.com organisation=Ltd address=1 "
           "Road,Leeds",
-          "Bo Lee | fax:4"},
+          "Bo Lee | fax:4 work:8"},
          {"f:9: has its value in another file", "f:18: changes an entry", "f:24: has no colon"}},
         {"dn: ou=none\nou: none\n", {}, {"f: holds no entry"}},
     };

@@ -1,17 +1,12 @@
-// What the usual attributes of people in LDAP directories hold (RFC 4519, RFC 4524, RFC 2798), and which of them a
-// directory of a common schema has.
+// What a screen calls the attributes of people in LDAP directories, and which of them a directory of a common schema
+// has.
 #pragma once
-
-#include "host/sources/Contact.h"
 
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace host {
-
-// Which kind of number stands there, by the attribute's name in any case of its letters.
-NumberKind kindOfAttribute(std::string_view attribute);
 
 // What its value is called on a screen: "City" for l; an attribute that is not known by its own name.
 std::string labelOfAttribute(std::string_view attribute);

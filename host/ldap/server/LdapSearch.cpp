@@ -2,6 +2,7 @@
 
 #include "host/ldap/server/LdapAttributes.h"
 #include "host/ldap/server/LdapFilter.h"
+#include "host/sources/DirectoryAttributes.h"
 #include "platform/CommonAPI.h"
 
 #include <poll.h>

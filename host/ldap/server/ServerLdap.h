@@ -20,7 +20,6 @@
 // held that done takes. abandon may be called from within done, the destructor must not.
 #pragma once
 
-#include "host/ldap/server/LdapAttributes.h"
 #include "host/sources/ContactLookup.h"
 #include "host/sources/LdapDirectory.h"
 

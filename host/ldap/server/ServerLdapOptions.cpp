@@ -1,3 +1,4 @@
+#include "host/ldap/server/LdapAttributes.h"
 #include "host/ldap/server/LdapConnection.h"
 #include "host/ldap/server/LdapFilter.h"
 #include "host/ldap/server/ServerLdap.h"
