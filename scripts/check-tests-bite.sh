@@ -25,6 +25,7 @@ a detach leaves the object for late answers | WideseekActionRequest.cpp | s/if (
 a detach leaves the object of the waiting request | WideseekActionRequest.cpp | s/if (m_requestNext.GetCallback() == pCallback)/if (m_requestNext.GetCallback() == nullptr)/
 a detach leaves the object of the request being worked | WideseekActionRequest.cpp | s/if (m_pCallback == pCallback)/if (m_pCallback == nullptr)/
 a detach takes late answers from who asked before | WideseekActionRequest.cpp | /::Detach/,/^}/s/m_requestNext.ForgetCallback();/& m_pLastCallback = nullptr;/
+a request that was refused gets a page | WideseekController.cpp | s/    m_pSearchAction->TakeBack(uSerial);/    (void)uSerial;/
 a request keeps the position of the one before | WideseekActionRequest.cpp | s/m_page.SetPosition(m_requestNext.GetFromIndex()/m_page.SetPosition(m_page.GetFromIndex()/
 a request leaves no object for late answers | WideseekActionRequest.cpp | s/m_pLastCallback = m_pCallback;//
 a reset leaves the last key | WideseekActionRequest.cpp | /::ResetKey/,/^}/s/m_strLastKey.clear();//
@@ -45,6 +46,9 @@ a page does not wait for the rows before it | WideseekAction.cpp | s/GetFromInde
 an answer for another key is taken | WideseekAction.cpp | s/ || strConverted != m_strKey//
 a failed answer is taken | WideseekAction.cpp | s/pAction->GetResultCode() != 0 || //
 what was given up keeps its key | WideseekAction.cpp | /::MyGiveUp/,/^}/s/ResetKey();//
+what was given up keeps its timer | WideseekAction.cpp | /::MyGiveUp/,/^}/s/MyKillTimer();//
+an answer that there is no memory for is taken by half | WideseekAction.cpp | /::OnTaskActionCallback(/,/^}/s/MyGiveUp();//
+a row that there is no memory for is left out of its page | WideseekPage.cpp | /::Append/,/^}/s/Assign(.*/try { WideseekItemData row; Assign(row, item); m_pageNext.listItem.push_back(row); } catch (...) {}/
 what one source found is forgotten by the next | WideseekActionSource.cpp | /::MyMergeRows/,/^}/s/MyAddFilter(\*place.itRow);/(void)place;/
 what was noted for the next source is lost | WideseekAction.cpp | /::MyReSearch(/,/^}/s/m_walk.AddNoted();//
 what was noted of an answer is lost | WideseekAction.cpp | /::OnTaskActionCallbackLdap/,/^}/s/m_walk.AddNoted();//

@@ -2,12 +2,16 @@
 
 #include <cstdlib>
 #include <new>
+#include <pugixml.hpp>
 
 namespace test {
-
-thread_local AllocationFault allocationFault;
-
 namespace {
+
+const auto xmlIsCounted = [] {
+    pugi::set_memory_management_functions([](std::size_t size) { return ::operator new(size, std::nothrow); },
+                                          [](void* block) { ::operator delete(block); });
+    return true;
+}();
 
 bool fails() {
     AllocationFault& fault = allocationFault;

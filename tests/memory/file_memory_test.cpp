@@ -52,7 +52,7 @@ public:
 
 private:
     host::Phone m_phone;
-    SteadyScreen m_screen;
+    Screen m_screen;
 };
 
 TEST(Memory, AFileThatThereIsNoMemoryForFailsItsSourceOnce) {

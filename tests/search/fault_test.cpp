@@ -101,6 +101,21 @@ TEST(Fault, AStartWithoutMemoryIsMadeUpForByTheNextStart) {
     }
 }
 
+// The page's record fails again and again: with the search, behind what it belongs to, then for a key, then for none.
+TEST(Fault, RecentCallsThatThereIsNoMemoryForTakeTheLastKeyAwayWithItsRows) {
+    FiveSources phone;
+    NS_WS::CWideseekController::ReleaseInstance();
+    host::Phone::failAllocation(4);
+    EXPECT_TRUE(Wideseek_PreInit());
+    for (const char* key : {"5", ""}) {
+        host::Phone::failAllocation(1);
+        EXPECT_TRUE(phone.search(key).empty());
+    }
+    const Rows found = phone.search("53");
+    Wideseek_ResetKey();
+    EXPECT_EQ(found, phone.search("53"));
+}
+
 TEST(Fault, ASourceThatFailsCostsItsOwnRowsInThatSearchAlone) {
     for (int nth = 0; nth < 15; ++nth) {
         FiveSources phone;

@@ -10,19 +10,12 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <random>
 
 namespace {
 
-long fromEnvironment(const char* name, long otherwise) {
-    const char* text = std::getenv(name);
-    return text ? std::strtol(text, nullptr, 10) : otherwise;
-}
-
 // Of sources that answer completely and share no names, so that who is asked first does not matter.
 TEST(Random, NarrowingFindsWhatSearchingAfreshFinds) {
-    std::mt19937_64 random(1);
-    const auto below = [&](int end) { return std::uniform_int_distribution<int>(0, end - 1)(random); };
+    const auto below = test::choicesFrom(1);
     test::SteppedPhone phone({test::localId, test::remoteId, test::callsId});
     test::Screen screen;
     for (int round = 0; round < 300; ++round) {
@@ -50,13 +43,11 @@ TEST(Random, NarrowingFindsWhatSearchingAfreshFinds) {
 }
 
 TEST(Random, EverySessionGetsThePagesOfTheOracle) {
-    const long first = fromEnvironment("WIDESEEK_RANDOM_START", 1);
-    const long steps = fromEnvironment("WIDESEEK_RANDOM_STEPS", 1000);
+    const long first = test::fromEnvironment("WIDESEEK_RANDOM_START", 1);
+    const long steps = test::fromEnvironment("WIDESEEK_RANDOM_STEPS", 1000);
     const long last = std::getenv("WIDESEEK_RANDOM_START") ? first : first + 99;
     for (long start = first; start <= last && !HasFailure(); ++start) {
-        std::mt19937_64 random(static_cast<unsigned long long>(start));
-        const std::string history =
-            test::playSession(steps, [&](int end) { return std::uniform_int_distribution<int>(0, end - 1)(random); });
+        const std::string history = test::playSession(steps, test::choicesFrom(start));
         EXPECT_FALSE(HasFailure()) << "The last steps of the session:" << history
                                    << "\nReplay it with WIDESEEK_RANDOM_START=" << start
                                    << " WIDESEEK_RANDOM_STEPS=" << steps

@@ -76,6 +76,14 @@ std::string Oracle::textOf(const WideseekListData& page) {
     return pageText(page.strKey, page.iFromIndex, page.iSearchCount, page.iTotalCount, rows);
 }
 
+void Oracle::startAnew() {
+    stop();
+    m_queued.clear();
+    sent.clear();
+    asked.clear();
+    start();
+}
+
 // ---- what callers do ----
 
 void Oracle::start() {

@@ -43,6 +43,9 @@ public:
     host::Duration now{};
     std::function<void()> meanwhile = [] {}; // another thread comes in: before and after every question to a source
 
+    // Whatever has been before.
+    void startAnew();
+
     // What callers do.
     void start();
     void stop();
@@ -65,6 +68,7 @@ public:
     bool isAlive(int life) const;       // running, or kept by requests that are still queued
     bool hasPast() const { return !m_queued.empty() && m_queued.front() != m_life; }
     std::optional<host::Duration> timer() const { return m.timer; }
+    std::size_t requestsQueued() const { return m_queued.size(); }
 
 private:
     enum class State { waiting, searching, done, failed };

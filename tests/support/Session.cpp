@@ -1,5 +1,6 @@
 #include "tests/support/Session.h"
 
+#include "host/kernel/HeldLocks.h"
 #include "tests/support/Oracle.h"
 
 #include <gtest/gtest.h>
@@ -7,7 +8,11 @@
 #include <algorithm>
 #include <array>
 #include <climits>
+#include <cstdlib>
+#include <new>
 #include <numeric>
+#include <random>
+#include <set>
 
 namespace test {
 
@@ -26,16 +31,32 @@ constexpr int failedAnswer = 5;       // of LDAP
 constexpr int timerTime = 3;          // time moves by as much as the timer takes
 constexpr int interruptedRequest = 4; // another thread comes in while a request is worked
 
+constexpr int stepsBeforeFault = 40; // of the phone; at most, but for the patience
+constexpr int patience = 100;        // steps of the phone until a fault takes the next one, whatever it is
+constexpr int stepsAfterFault = 40;
+
 constexpr std::size_t shownHistory = 3000; // characters
 
 const std::vector<std::string> anyId = {localId,      callsId,   remoteId,         ldapId,
                                         enterpriseId, networkId, "unknown_search", ""};
+
+// Too long to lie in a string itself.
+const std::string longName = "Nan with a name of some length";
 
 // The source list is read at once, as by the message thread coming in.
 void readSourceList() {
     ETL_MsgQueueHelper::msgObject message{ETL_MsgQueueHelper::MSG_CONFIG_CHANGED,
                                           ETL_MsgQueueHelper::CFG_CHANGE_WIDESEEK};
     NS_WS::CWideseekController::OnMessage(message);
+}
+
+// Of what the host offers to whoever runs the phone: they are told by an exception, and try again.
+template <typename Work> void unlessMemoryIsShort(const Work& work) {
+    try {
+        work();
+    } catch (const std::bad_alloc&) {
+        // Nothing has happened.
+    }
 }
 
 class Session : host::TraceSink {
@@ -82,6 +103,25 @@ public:
             compare();
         }
         EXPECT_TRUE(m_oracle.sent.empty()) << "a page never came: " << m_oracle.sent.front().second;
+    }
+
+    Aftermath playWithFault(AllocationFault fault) {
+        changeContacts();
+        changeList();
+        act(readList());
+        m_fault = fault;
+        m_faultIn = pick<std::string>({"", "", "request", "timer", "LDAP answer"});
+        m_untilFault = 1 + below(stepsBeforeFault) + patience;
+        while (!m_struck && !testing::Test::HasFailure()) {
+            step();
+            if (!m_struck) {
+                compare();
+            }
+        }
+        recover();
+        play(stepsAfterFault);
+        m_aftermath.history = m_history;
+        return m_aftermath;
     }
 
     const std::string& history() const { return m_history; }
@@ -142,7 +182,7 @@ private:
         static constexpr Choice<std::string> keys[] = {
             {"a character more", 3, &Session::longerKey},  {"the same key", 2, &Session::sameKey},
             {"a character less", 1, &Session::shorterKey}, {"a first character", 1, &Session::firstCharacter},
-            {"an odd spelling", 1, &Session::oddKey},
+            {"an odd spelling", 1, &Session::oddKey},      {"a long one", 1, &Session::longKey},
         };
         return (this->*choose(keys).happens)();
     }
@@ -154,10 +194,12 @@ private:
     }
 
     void onTrace(const host::TraceEvent& event) override {
+        const NoFault none;
         if (event.kind == host::TraceKind::sourceAsked) {
             m_asked.push_back(std::string(event.source) + " " + std::string(event.key));
         }
         m_sent += event.kind == host::TraceKind::pageSent ? 1U : 0U;
+        m_aftermath.sourceFailed |= event.problem.find("memory") != std::string_view::npos;
     }
 
     void note(const std::string& what) {
@@ -171,6 +213,7 @@ private:
     std::string shorterKey() { return m_key.substr(0, m_key.size() - (m_key.empty() ? 0 : 1)); }
     std::string sameKey() { return m_key; }
     std::string firstCharacter() { return pick<std::string>({"5", "1", "a", "n"}); }
+    std::string longKey() { return "nan with a name of"; }
     std::string oddKey() { return pick<std::string>({"", " ", "5", "51", "A", " +5", "5-1 ", "a n", "55x"}); }
 
     Deed request() {
@@ -205,9 +248,10 @@ private:
 
     void act(const Deed& deed) {
         note(deed.what);
-        deed.onPhone();
-        deed.onPaper();
-        forgetDeadAnswers();
+        if (onPhone(deed.onPhone)) {
+            deed.onPaper();
+            forgetDeadAnswers();
+        }
     }
 
     void type() { act(request()); }
@@ -227,8 +271,8 @@ private:
     // ---- the phone around them ----
 
     std::vector<Contact> people() {
-        const std::vector<std::string> names = {"Ann", "ann", "Nan", "A N", "Jil", "5a"};
-        const std::vector<std::string> numbers = {"5", "51", "+515", "1", "155", "", "9"};
+        const std::vector<std::string> names = {"Ann", "ann", "Nan", "A N", "Jil", "5a", longName};
+        const std::vector<std::string> numbers = {"5", "51", "+515", "1", "155", "", "9", "+5155515551555155"};
         std::vector<Contact> list;
         for (int i = below(6); i > 0; --i) {
             list.push_back({pick(names), {pick(numbers)}, "e"});
@@ -256,7 +300,10 @@ private:
         }
         m_phone.setSourceList(sourceListOf(m_oracle.file));
         if (!oneIn(changedSilently)) {
-            m_phone.phone.announceConfigChange(ETL_MsgQueueHelper::CFG_CHANGE_WIDESEEK);
+            onPhone([this] {
+                unlessMemoryIsShort(
+                    [this] { m_phone.phone.announceConfigChange(ETL_MsgQueueHelper::CFG_CHANGE_WIDESEEK); });
+            });
         }
     }
 
@@ -267,9 +314,14 @@ private:
             return;
         }
         const std::string key = oneIn(olderKey) ? pick(m_ldapKeys) : m_ldapKeys.back();
-        const std::vector<Contact> rows = people();
+        const std::vector<Contact> rows = m_ldapRows = people();
         const bool succeeded = !oneIn(failedAnswer);
-        if (m_phone.phone.answerLdapAgain(key, ldapAnswerOf(rows, succeeded))) {
+        host::LdapAnswer answer = ldapAnswerOf(rows, succeeded);
+        bool taken = false;
+        const auto deliver = [&] {
+            unlessMemoryIsShort([&] { taken = m_phone.phone.answerLdapAgain(key, std::move(answer)); });
+        };
+        if (onPhone(deliver) && taken) {
             note("\"" + key + "\"" + (succeeded ? "" : " with a failure"));
             m_answers.emplace_back(m_askedLife, [=, this] { m_oracle.answer(key, rows, succeeded); });
         }
@@ -301,10 +353,17 @@ private:
         }
         const int until = m_callsUntilOther;
         m_working = true;
-        EXPECT_TRUE(m_phone.phone.kernel().step(message.sequence));
+        const bool isKnown =
+            onPhone([&] { EXPECT_TRUE(m_phone.phone.kernel().step(message.sequence)); }, message.label);
         m_working = false;
         m_callsUntilOther = until;
-        onPaper(message.label);
+        if (isKnown) {
+            onPaper(message.label);
+        } else {
+            const bool wasQueued = message.label == "request" || message.label == "LDAP answer";
+            m_aftermath.wasWork = !m_other && message.label != "phone message" &&
+                                  m_oracle.requestsQueued() + m_answers.size() == (wasQueued ? 1U : 0U);
+        }
         m_other.reset();
         forgetDeadAnswers();
         return true;
@@ -345,6 +404,95 @@ private:
         --m_sent;
     }
 
+    // ---- memory runs out ----
+
+    // Has the phone do its part of a step. False when it was the one without memory: the oracle does not know then what
+    // has come of it.
+    bool onPhone(const std::function<void()>& work, const std::string& message = "") {
+        if (m_untilFault == 0 || --m_untilFault >= patience ||
+            (m_untilFault > 0 && !m_faultIn.empty() && m_faultIn != message)) {
+            work();
+            return true;
+        }
+        allocationFault = m_fault;
+        EXPECT_NO_THROW(work());
+        m_aftermath.failed = std::exchange(allocationFault, {}).failed;
+        EXPECT_EQ(host::heldLocks(), 0U);
+        m_aftermath.beganAnew = std::any_of(m_phone.log.begin(), m_phone.log.end(),
+                                            [](const auto& line) { return line.starts_with("MyClearResult"); });
+        m_untilFault = 0;
+        m_struck = true;
+        return false;
+    }
+
+    // Finds a key without and with asking all sources, and then brings phone and oracle into the same state: the source
+    // list is read, nobody waits, and no key is held.
+    void recover() {
+        comeToRest();
+        for (WideseekListData page : takePages()) {
+            page.strKey.clear(); // a late answer's page spells it in another way
+            page.listItem.clear();
+            m_aftermath.pages.insert(Oracle::textOf(page));
+        }
+        m_aftermath.pages.erase(Oracle::textOf(WideseekListData())); // which a screen took without memory for it
+        m_key += firstCharacter();
+        note("after the fault \"" + m_key + "\"");
+        m_aftermath.nextKey = rowsFor(m_key);
+        Wideseek_ResetKey();
+        m_aftermath.afresh = rowsFor(m_key);
+        for (int i = 0; i < 3; ++i) {
+            Wideseek_ResetCallBack(screen(i));
+        }
+        readSourceList();
+        m_oracle.startAnew();
+        m_answers.clear();
+        m_ldapKeys.clear();
+        m_asked.clear();
+        m_sent = 0;
+        m_lifeBefore = m_oracle.life();
+    }
+
+    void comeToRest() {
+        m_phone.run(1s);
+        m_phone.ldap->answer(m_ldapRows);
+        m_phone.run(1s);
+    }
+
+    // Asked for twice, since a source that nobody knows keeps the page with LDAP's rows away.
+    std::set<std::string> rowsFor(const std::string& key) {
+        m_phone.type(key, *m_screens[0], 0, 0);
+        comeToRest();
+        m_phone.type(key, *m_screens[0], 0, 0);
+        const std::vector<WideseekListData> pages = takePages();
+        const std::vector<std::string> rows =
+            pages.empty() ? std::vector<std::string>{"no page"} : rowsIn(pages.back());
+        return {rows.begin(), rows.end()};
+    }
+
+    // Whatever page has come must be one.
+    std::vector<WideseekListData> takePages() {
+        std::vector<WideseekListData> pages;
+        for (const auto& each : m_screens) {
+            for (WideseekListData& page : std::exchange(each->pages, {})) {
+                checkForm(page);
+                pages.push_back(std::move(page));
+            }
+        }
+        return pages;
+    }
+
+    static void checkForm(const WideseekListData& page) {
+        std::set<std::pair<std::string, std::string>> rows;
+        for (const WideseekItemData& row : page.listItem) {
+            EXPECT_TRUE(!row.strNumber.empty() && rows.emplace(row.strName, row.strNumber).second) << row.strNumber;
+        }
+        const long long wanted = page.iSearchCount == 0 ? INT_MAX : page.iSearchCount;
+        const long long there = std::max(0LL, static_cast<long long>(page.iTotalCount) - page.iFromIndex);
+        const long long left = std::min(wanted, there) - std::ssize(page.listItem);
+        // Of recent calls, blank ones are not shown.
+        EXPECT_TRUE(left == 0 || (left > 0 && page.strKey.empty())) << Oracle::textOf(page);
+    }
+
     void compare() {
         const int life = std::exchange(m_lifeBefore, m_oracle.life());
         EXPECT_EQ(m_asked, m_oracle.asked);
@@ -373,10 +521,17 @@ private:
     std::vector<std::string> m_asked;
     std::size_t m_sent = 0;
     std::vector<std::string> m_ldapKeys;
+    std::vector<Contact> m_ldapRows; // of the last answer
     int m_lifeBefore = 0;
     int m_askedLife = 0;
     std::deque<std::pair<int, std::function<void()>>> m_answers; // with the life that asked
     std::string m_history;
+
+    AllocationFault m_fault;
+    std::string m_faultIn; // which message is to meet it; "": whatever the phone does
+    int m_untilFault = 0;  // steps of the phone; 0: none is to come
+    bool m_struck = false;
+    Aftermath m_aftermath;
 };
 
 } // namespace
@@ -385,6 +540,21 @@ std::string playSession(long steps, std::function<int(int)> below) {
     Session session(std::move(below));
     session.play(steps);
     return session.history();
+}
+
+Aftermath playSessionWithFault(std::function<int(int)> below, AllocationFault fault) {
+    return Session(std::move(below)).playWithFault(fault);
+}
+
+std::function<int(int)> choicesFrom(long start) {
+    return [random = std::mt19937_64(static_cast<unsigned long long>(start))](int end) mutable {
+        return std::uniform_int_distribution<int>(0, end - 1)(random);
+    };
+}
+
+long fromEnvironment(const char* name, long otherwise) {
+    const char* text = std::getenv(name);
+    return text ? std::strtol(text, nullptr, 10) : otherwise;
 }
 
 } // namespace test

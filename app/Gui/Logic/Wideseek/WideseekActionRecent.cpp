@@ -34,6 +34,7 @@ bool CWideseekAction::ReadEmptyByKey() {
     }
 
     MyClearResult();
+    MyForgetSearched(); // with the rows, whether or not there is memory for a page in their place
     MySearchRecent();
     MyCallback("", "");
     return true;
@@ -55,7 +56,6 @@ bool CWideseekAction::MySearchRecent() {
         iTotalCount = std::max(iAvailable, 0);
     }
     m_page.Publish("", iTotalCount);
-    MyForgetSearched();
     SetResultCode(0);
     return true;
 }
