@@ -30,9 +30,6 @@ namespace host {
 
 class ContactTable {
 public:
-    // Makes room for contacts that take so many bytes of text.
-    void reserve(std::size_t bytes) { m_index.reserve(bytes); }
-
     // Both throw what ContactIndex::add throws. The second adds exactly one position.
     void add(const Contact& contact);
     void add(const DirectorySearchData& contact);

@@ -62,9 +62,9 @@ PresenceFile::PresenceFile(std::filesystem::path path, ProblemSink problemSink)
     : m_problemSink(std::move(problemSink)), m_file(std::move(path), m_problemSink, &PresenceFile::read) {
 }
 
-ReloadedFile<PresenceFile::Buddies>::Made PresenceFile::read(std::string_view bytes, const std::string& file) {
+ReloadedFile<PresenceFile::Buddies>::Made PresenceFile::read(TextWindow text, const std::string& file) {
     const auto buddies = std::make_shared<Buddies>();
-    BuddyFile read = readBuddies(bytes, file, [&](const PresenceInfo& buddy) -> std::string {
+    BuddyFile read = readBuddies(std::move(text), file, [&](const PresenceInfo& buddy) -> std::string {
         if (!buddies->positions.emplace(buddy.iContactId, buddies->infos.size()).second) {
             return "the id " + std::to_string(buddy.iContactId) + " is taken by an entry before it";
         }

@@ -20,7 +20,6 @@
 #include "platform/Presence.h"
 
 #include <string>
-#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -49,7 +48,7 @@ private:
         ContactTable table;                             // what the search makes of them, at the same positions
     };
 
-    static ReloadedFile<Buddies>::Made read(std::string_view bytes, const std::string& file);
+    static ReloadedFile<Buddies>::Made read(TextWindow text, const std::string& file);
 
     std::shared_ptr<const Buddies> current();
 
