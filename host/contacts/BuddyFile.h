@@ -16,8 +16,8 @@ struct BuddyFile {
     std::string error;                 // why there are no buddies at all; else empty
 };
 
-// Hands each buddy of the text, the file called `file`, to take, in the file's order. take gives why it is to be left out
-// as well; nothing when it is not. Any thread.
+// Hands each buddy of the text, the file called `file`, to take, in the file's order. take gives why it is to be left
+// out as well; nothing when it is not. Any thread.
 BuddyFile readBuddies(TextWindow text, const std::string& file,
                       const std::function<std::string(const PresenceInfo& buddy)>& take);
 

@@ -38,8 +38,8 @@ private:
 // Whether the encoding is known.
 bool isCharset(const std::string& name);
 
-// What a text is encoded in as far as its first bytes tell (enoughToTell or all): by its byte order mark, or UTF-16 when
-// every other one is zero. Empty: they do not.
+// What a text is encoded in as far as its first bytes tell (enoughToTell or all): by its byte order mark, or UTF-16
+// when every other one is zero. Empty: they do not.
 inline constexpr std::size_t enoughToTell = 64;
 std::string charsetOfBeginning(std::string_view bytes);
 
