@@ -1,11 +1,15 @@
 #include "tests/memory/FailingAllocations.h"
 
+#include <malloc.h>
+
+#include <algorithm>
 #include <cstdlib>
 #include <new>
 
 namespace test {
 
 thread_local AllocationFault allocationFault;
+thread_local AllocatedBytes allocatedBytes;
 
 namespace {
 
@@ -19,11 +23,23 @@ bool fails() {
     return true;
 }
 
+void* allocated(void* block) {
+    AllocatedBytes& bytes = allocatedBytes;
+    bytes.now += malloc_usable_size(block);
+    bytes.peak = std::max(bytes.peak, bytes.now);
+    return block;
+}
+
+void release(void* block) {
+    allocatedBytes.now -= malloc_usable_size(block);
+    std::free(block);
+}
+
 } // namespace
 } // namespace test
 
 void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
-    return test::fails() ? nullptr : std::malloc(size > 0 ? size : 1);
+    return test::fails() ? nullptr : test::allocated(std::malloc(size > 0 ? size : 1));
 }
 
 void* operator new(std::size_t size) {
@@ -35,9 +51,9 @@ void* operator new(std::size_t size) {
 }
 
 void operator delete(void* block) noexcept {
-    std::free(block);
+    test::release(block);
 }
 
 void operator delete(void* block, std::size_t /*size*/) noexcept {
-    std::free(block);
+    test::release(block);
 }

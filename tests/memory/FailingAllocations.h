@@ -1,5 +1,5 @@
-// Lets allocations of the calling thread fail, of any kind that C++ makes. A program that is linked with this has a
-// global operator new of its own.
+// Lets allocations of the calling thread fail, of any kind that C++ makes, and counts their bytes. A program that is
+// linked with this has a global operator new of its own.
 //
 //     allocationFault = {.until = 3, .lasts = false};
 //     workThatAllocates();
@@ -20,6 +20,14 @@ struct AllocationFault {
 };
 
 extern thread_local AllocationFault allocationFault;
+
+// How much of what the calling thread allocated it has not freed, in bytes.
+struct AllocatedBytes {
+    std::size_t now = 0;
+    std::size_t peak = 0;
+};
+
+extern thread_local AllocatedBytes allocatedBytes;
 
 // Shows pages, which is the screen's own business and not the search's: no allocation of it fails.
 struct SteadyScreen : Screen {
