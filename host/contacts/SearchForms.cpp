@@ -66,13 +66,15 @@ std::optional<std::size_t> SearchForms::Search::next() {
 std::optional<SearchForms::Search::Hit> SearchForms::Search::nextHit() {
     for (; m_part < m_all.m_parts.size(); ++m_part, m_next = 0) {
         const Forms& part = forms();
-        const auto found = [&](const std::string& word) { return part.holds(word, m_next); };
+        const auto found = [&](const std::string& word) { return part.find(word, m_next) != std::string::npos; };
         while (m_next < part.begins.size()) {
             const std::size_t place = text::findBytes(part.bytes, m_key.words.front(), part.begins[m_next]);
             if (place == std::string::npos) {
                 break;
             }
-            m_next = part.contactAt(place, m_next);
+            if (m_next + 1 < part.begins.size() && part.begins[m_next + 1] <= place) {
+                m_next = part.contactAt(place, m_next + 1);
+            }
             const bool all = std::all_of(m_key.words.begin() + 1, m_key.words.end(), found);
             const Hit hit{m_next++, place};
             if (all) {
@@ -85,20 +87,19 @@ std::optional<SearchForms::Search::Hit> SearchForms::Search::nextHit() {
 
 bool SearchForms::Search::isWordBegin(const Hit& hit) const {
     const Forms& part = forms();
-    if (part.isWordBegin(hit.place) && m_key.words.size() == 1) {
-        return true;
-    }
-    const std::string_view upToEnd = part.upToEndOf(hit.contact);
-    const auto isAtBegin = [&](const std::string& word, std::size_t place) {
-        while (place != std::string::npos && !part.isWordBegin(place)) {
-            place = text::findBytes(upToEnd, word, place + 1);
+    const auto begins = [&](const std::string& word, std::size_t place) {
+        if (part.isWordBegin(place)) {
+            return true;
         }
+        const std::string_view upToEnd = part.upToEndOf(hit.contact);
+        do {
+            place = text::findBytes(upToEnd, word, place + 1);
+        } while (place != std::string::npos && !part.isWordBegin(place));
         return place != std::string::npos;
     };
-    const std::size_t begin = part.begins[hit.contact];
-    return isAtBegin(m_key.words.front(), hit.place) &&
+    return begins(m_key.words.front(), hit.place) &&
            std::all_of(m_key.words.begin() + 1, m_key.words.end(),
-                       [&](const std::string& word) { return isAtBegin(word, text::findBytes(upToEnd, word, begin)); });
+                       [&](const std::string& word) { return begins(word, part.find(word, hit.contact)); });
 }
 
 void SearchForms::Forms::markWordBegin() {
@@ -136,13 +137,8 @@ void SearchForms::Forms::shrink() {
     begins.shrink();
 }
 
-std::string_view SearchForms::Forms::upToEndOf(std::size_t contact) const {
-    const std::string_view all = bytes;
-    return contact + 1 < begins.size() ? all.substr(0, begins[contact + 1]) : all;
-}
-
-bool SearchForms::Forms::holds(std::string_view word, std::size_t contact) const {
-    return text::findBytes(upToEndOf(contact), word, begins[contact]) != std::string::npos;
+std::size_t SearchForms::Forms::find(std::string_view word, std::size_t contact) const {
+    return text::findBytes(upToEndOf(contact), word, begins[contact]);
 }
 
 // Steps of doubling width from contact `from` on: a hit is near where most contacts match, and far where few do.

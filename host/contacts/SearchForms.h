@@ -35,7 +35,8 @@ public:
     // in their order, of which an empty one has none. Valid until the next add().
     std::string_view digitsFrom(std::size_t contact) const {
         const Forms& digits = m_parts[contact / perPart].digits;
-        return std::string_view(digits.bytes).substr(digits.begins[contact % perPart]);
+        const std::size_t begin = digits.begins[contact % perPart];
+        return {digits.bytes.data() + begin, digits.bytes.size() - begin};
     }
 
     // The contacts that match a converted key (ContactMatch.h), each once: first those in which every word of the key
@@ -82,8 +83,10 @@ private:
         void shrink();
 
         bool isWordBegin(std::size_t place) const { return place < wordBegins.size() && wordBegins[place]; }
-        std::string_view upToEndOf(std::size_t contact) const;
-        bool holds(std::string_view word, std::size_t contact) const;
+        std::string_view upToEndOf(std::size_t contact) const {
+            return {bytes.data(), contact + 1 < begins.size() ? begins[contact + 1] : bytes.size()};
+        }
+        std::size_t find(std::string_view word, std::size_t contact) const;
         std::size_t contactAt(std::size_t place, std::size_t from) const;
     };
 

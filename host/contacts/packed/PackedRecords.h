@@ -33,7 +33,8 @@ public:
     // add().
     std::string_view operator[](std::size_t position) const {
         const Part& part = m_parts[position / perPart];
-        return std::string_view(part.bytes).substr(part.begins[position % perPart]);
+        const std::size_t begin = part.begins[position % perPart];
+        return {part.bytes.data() + begin, part.bytes.size() - begin};
     }
 
     static constexpr std::size_t perPart = 1024;
