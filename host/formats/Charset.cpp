@@ -131,7 +131,7 @@ std::size_t sizeOfMark(std::string_view bytes) {
 }
 
 std::string charsetOf(std::string_view bytes) {
-    const std::string told = charsetOfBeginning(bytes);
+    std::string told = charsetOfBeginning(bytes);
     if (!told.empty()) {
         return told;
     }
