@@ -13,9 +13,9 @@
 #pragma once
 
 #include "app/Gui/Logic/Wideseek/WideseekData.h"
-#include "host/contacts/PackedBuddies.h"
 #include "host/contacts/SearchForms.h"
 #include "host/contacts/packed/ContactMarks.h"
+#include "host/contacts/packed/PackedBuddies.h"
 #include "host/files/ReloadedFile.h"
 #include "host/sources/ContactLookup.h"
 #include "platform/Presence.h"

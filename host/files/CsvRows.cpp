@@ -16,6 +16,7 @@ constexpr std::string_view outOfPlace =
     "a quotation mark or carriage return is out of place - put the whole field in quotation marks and double those "
     "within it";
 constexpr std::string_view tooLong = "is longer than 4 MiB - shorten its fields";
+static_assert(CsvRows::longestRow == 4UL << 20U);
 
 } // namespace
 

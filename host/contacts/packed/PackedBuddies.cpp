@@ -1,4 +1,4 @@
-#include "host/contacts/PackedBuddies.h"
+#include "host/contacts/packed/PackedBuddies.h"
 
 #include "host/contacts/packed/PackedText.h"
 
