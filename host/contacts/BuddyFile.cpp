@@ -6,7 +6,9 @@
 #include "platform/Presence.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <limits>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -25,13 +27,107 @@ struct Value {
     std::optional<int> number;
 };
 
+// A text byte by byte, as the parser takes it.
+class Bytes {
+public:
+    explicit Bytes(TextWindow& text) : m_text(text) { moveOn(); }
+
+    bool atEnd() const { return m_next == m_held.size(); }
+    char first() const { return m_held[m_next]; }
+    void takeFirst() {
+        if (++m_next == m_held.size()) {
+            moveOn();
+        }
+    }
+
+    // The line in which the byte stands before this position, one of the last that were taken.
+    std::size_t lineBefore(std::size_t position) const {
+        const std::string_view before = m_held.substr(0, std::min(position - m_begin, m_next));
+        return 1 + m_lines + lineEnds(before);
+    }
+
+    // Whether all of the text is UTF-8, of which all is that stands more than a character before the position.
+    bool isUtf8(std::size_t position) {
+        std::string_view before = m_held.substr(0, std::min(position - m_begin, m_next));
+        std::size_t begin = before.size() - std::min(before.size(), kept);
+        for (std::size_t i = 0; i < longestCharacter && m_begin + begin > 0 && begin < before.size() &&
+                                text::isContinuation(before[begin]);
+             ++i) {
+            ++begin;
+        }
+        return text::isUtf8(before.substr(begin)) || isUtf8From(m_begin + begin);
+    }
+
+private:
+    static constexpr std::size_t longestCharacter = 4;
+    static constexpr std::size_t kept = 2 * longestCharacter; // of what was taken
+
+    static std::size_t lineEnds(std::string_view text) {
+        return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+    }
+
+    void moveOn() {
+        const std::size_t passed = m_next - std::min(m_next, kept);
+        m_lines += lineEnds(m_held.substr(0, passed));
+        m_begin += passed;
+        m_next -= passed;
+        m_held = m_text.from(m_begin, m_next + 1);
+    }
+
+    bool isUtf8From(std::size_t position) {
+        while (true) {
+            std::string_view rest = m_text.from(position, longestCharacter);
+            if (rest.size() < longestCharacter) {
+                return text::isUtf8(rest);
+            }
+            while (rest.size() >= longestCharacter) {
+                const text::Character character = text::takeFirst(rest);
+                if (character.codePoint < 0) {
+                    return false;
+                }
+                position += character.size;
+            }
+        }
+    }
+
+    TextWindow& m_text;
+    std::string_view m_held;
+    std::size_t m_begin = 0; // where it begins in the text
+    std::size_t m_next = 0;  // in what is held; before it, what was taken
+    std::size_t m_lines = 0; // that end before what is held
+};
+
+// Goes through bytes; null: their end.
+class ByteIterator {
+public:
+    using iterator_category = std::input_iterator_tag;
+    using value_type = char;
+    using difference_type = std::ptrdiff_t;
+    using pointer = const char*;
+    using reference = char;
+
+    explicit ByteIterator(Bytes* bytes = nullptr) : m_bytes(bytes) {}
+
+    char operator*() const { return m_bytes->first(); }
+    ByteIterator& operator++() {
+        m_bytes->takeFirst();
+        return *this;
+    }
+    bool operator==(const ByteIterator& other) const { return isEnd() == other.isEnd(); }
+
+private:
+    bool isEnd() const { return m_bytes == nullptr || m_bytes->atEnd(); }
+
+    Bytes* m_bytes;
+};
+
 // Follows the parser. Where it is: in the array (depth 1), in an entry (2), in an entry's attributes (3), in one of
 // them (4). What is of no use, such as a member that nobody knows, is passed over with all that is in it.
 class Reader final : public nlohmann::json_sax<Json> {
 public:
     using Take = std::function<std::string(const PresenceInfo& buddy)>;
 
-    Reader(std::string_view bytes, const std::string& file, const Take& take)
+    Reader(Bytes& bytes, const std::string& file, const Take& take)
         : m_bytes(bytes), m_file(file), m_take(take), m_problems(file) {}
 
     BuddyFile result() { return {m_problems.take(), std::move(m_error)}; }
@@ -102,10 +198,8 @@ public:
     }
 
     bool parse_error(std::size_t position, const std::string&, const Json::exception& reason) override {
-        const std::string_view before = m_bytes.substr(0, std::min(position, m_bytes.size()));
-        const auto line = 1 + std::count(before.begin(), before.end(), '\n');
-        m_error = m_file + ":" + std::to_string(line) + ": ";
-        if (!text::isUtf8(before) && !text::isUtf8(m_bytes)) {
+        m_error = m_file + ":" + std::to_string(m_bytes.lineBefore(position)) + ": ";
+        if (!m_bytes.isUtf8(position)) {
             m_error += "is not UTF-8 text; save the file as UTF-8";
             return false;
         }
@@ -234,7 +328,7 @@ private:
 
     void problem(const std::string& reason) { m_problems.add("entry " + std::to_string(m_entry), reason); }
 
-    const std::string_view m_bytes;
+    Bytes& m_bytes;
     const std::string& m_file;
     const Take& m_take;
     Problems m_problems;
@@ -251,10 +345,11 @@ private:
 
 } // namespace
 
-BuddyFile readBuddies(std::string_view bytes, const std::string& file,
+BuddyFile readBuddies(TextWindow text, const std::string& file,
                       const std::function<std::string(const PresenceInfo& buddy)>& take) {
+    Bytes bytes(text);
     Reader reader(bytes, file, take);
-    Json::sax_parse(bytes, &reader);
+    Json::sax_parse(ByteIterator(&bytes), ByteIterator(), &reader);
     return reader.result();
 }
 

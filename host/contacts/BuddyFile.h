@@ -1,12 +1,12 @@
-// Reads buddies from a JSON array (PresenceFile.h says what stands in it) one by one, so that a large file is never in
-// memory as a whole tree of values.
+// Reads buddies from a JSON array (PresenceFile.h says what stands in it) one by one, so that a large file is
+// never in memory as a whole, be it as text or as a tree of values.
 #pragma once
 
 #include "app/Gui/Logic/Wideseek/WideseekData.h"
+#include "host/files/TextWindow.h"
 
 #include <functional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace host {
@@ -16,9 +16,9 @@ struct BuddyFile {
     std::string error;                 // why there are no buddies at all; else empty
 };
 
-// Hands each buddy of bytes, the file called `file`, to take, in the file's order. take gives why it is to be left out
-// as well; nothing when it is not. Any thread.
-BuddyFile readBuddies(std::string_view bytes, const std::string& file,
+// Hands each buddy of the text, the file called `file`, to take, in the file's order. take gives why it is to be left
+// out as well; nothing when it is not. Any thread.
+BuddyFile readBuddies(TextWindow text, const std::string& file,
                       const std::function<std::string(const PresenceInfo& buddy)>& take);
 
 } // namespace host

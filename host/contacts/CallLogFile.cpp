@@ -51,9 +51,9 @@ bool isTime(std::string_view text) {
     return day.ok() && number(11, 2) < 24 && number(14, 2) < 60 && number(17, 2) < 60;
 }
 
-ReloadedFile<std::vector<LoggedCall>>::Made readCalls(std::string_view bytes, const std::string& file) {
+ReloadedFile<std::vector<LoggedCall>>::Made readCalls(TextWindow text, const std::string& file) {
     std::vector<LoggedCall> calls;
-    CsvReader reader(bytes, file, columns);
+    CsvReader reader(std::move(text), file, columns);
     while (reader.next()) {
         const std::string_view time = reader.field(timeColumn);
         const auto direction = directionOf(reader.field(directionColumn));

@@ -84,8 +84,8 @@ std::optional<Contact> contactIn(CsvReader& reader) {
     return contact;
 }
 
-ReadContacts readContacts(std::string_view bytes, const std::string& file, const TakeContact& take) {
-    CsvReader reader(bytes, file, columns());
+ReadContacts readContacts(TextWindow text, const std::string& file, const TakeContact& take) {
+    CsvReader reader(std::move(text), file, columns());
     while (reader.next()) {
         if (const auto contact = contactIn(reader)) {
             take(*contact);

@@ -13,10 +13,10 @@
 
 namespace host {
 
-// Reads contacts from the bytes of the file called `file` and hands them to take one by one, in the file's order. Names
+// Reads contacts from the text of the file called `file` and hands them to take one by one, in the file's order. Names
 // stay byte for byte, numbers are brought into the form that is dialled ("+49 (30) 12-34" becomes +49301234); one that
 // is not a number is kept as it is, and reported. Any thread.
-ReadContacts readContacts(std::string_view bytes, const std::string& file, const TakeContact& take);
+ReadContacts readContacts(TextWindow text, const std::string& file, const TakeContact& take);
 
 // The columns of a contact file, and the contact in the reader's row; nothing, and a problem, when there is neither a
 // name nor a number in it.

@@ -1,14 +1,9 @@
 #include "host/contacts/ContactTable.h"
 
-#include "host/contacts/PackedText.h"
+#include "host/contacts/packed/PackedText.h"
 
 #include <algorithm>
-#include <array>
-#include <bitset>
-#include <functional>
-#include <iterator>
-#include <string_view>
-#include <utility>
+#include <string>
 
 namespace host {
 
@@ -16,38 +11,13 @@ namespace {
 
 constexpr std::size_t numbersPerContact = 3;
 
-std::array<const std::string*, numbersPerContact> numbersOf(const DirectorySearchData& contact) {
-    return {&contact.strNumber1, &contact.strNumber2, &contact.strNumber3};
+// The positions at which a contact with so many numbers is offered.
+std::size_t positionsFor(std::size_t numbers) {
+    return std::max<std::size_t>(1, (numbers + numbersPerContact - 1) / numbersPerContact);
 }
 
-std::uint32_t markOf(std::size_t nameHash, std::string_view number) {
-    const std::size_t hash = nameHash * 31 + std::hash<std::string_view>()(number);
-    return static_cast<std::uint32_t>(hash ^ hash >> 17U);
-}
-
-bool isOf(const DirectorySearchData& contact, const NameAndNumber& row) {
-    const auto numbers = numbersOf(contact);
-    return contact.strName == row.name && std::any_of(numbers.begin(), numbers.end(),
-                                                      [&](const std::string* number) { return *number == row.number; });
-}
-
-// Marks that are looked for; most others are told from them by a single bit.
-class Wanted {
-public:
-    explicit Wanted(std::span<const NameAndNumber> rows) {
-        for (const NameAndNumber& row : rows) {
-            m_marks.push_back(markOf(std::hash<std::string_view>()(row.name), row.number));
-            m_bits.set(m_marks.back() % m_bits.size());
-        }
-    }
-
-    bool maybe(std::uint32_t mark) const { return m_bits[mark % m_bits.size()]; }
-    std::uint32_t at(std::size_t row) const { return m_marks[row]; }
-
-private:
-    std::bitset<8192> m_bits;
-    std::vector<std::uint32_t> m_marks;
-};
+// In the lowest bit of a fact's kind: its value is what is offered beside the contact.
+constexpr std::size_t isExtra = 1;
 
 // Whether there is more to know of it than a search offers at one position.
 bool hasDetails(const Contact& contact) {
@@ -76,43 +46,65 @@ void ContactTable::add(const Contact& contact) {
     }
 }
 
+// The numbers themselves, and the extra, are in the index.
 void ContactTable::keepDetails(const Contact& contact, std::size_t first) {
-    m_details.push_back({first, m_index.size(), m_detailBytes.size()});
-    packNumber(m_detailBytes, static_cast<int>(contact.numbers.size()));
+    const std::string offered = extraOf(contact);
+    m_record.clear();
+    packSize(m_record, contact.numbers.size());
     for (const ContactNumber& number : contact.numbers) {
-        packText(m_detailBytes, number.number);
-        packNumber(m_detailBytes, static_cast<int>(number.kind));
+        packSize(m_record, static_cast<std::size_t>(number.kind));
     }
-    packText(m_detailBytes, contact.extra);
-    packNumber(m_detailBytes, static_cast<int>(contact.facts.size()));
+    packSize(m_record, contact.extra.empty() ? 0 : 1);
+    packSize(m_record, contact.facts.size());
     for (const Contact::Fact& fact : contact.facts) {
-        packNumber(m_detailBytes, static_cast<int>(fact.kind));
-        packText(m_detailBytes, fact.value);
+        const bool same = fact.value == offered;
+        packSize(m_record, (static_cast<std::size_t>(fact.kind) << 1U) | (same ? isExtra : 0));
+        if (!same) {
+            packText(m_record, fact.value);
+        }
     }
+    m_details.add(m_record);
+    m_detailsOf.add(static_cast<std::uint32_t>(first));
 }
 
-KnownContact ContactTable::unpacked(const Details& details) const {
-    PackedText from(std::string_view(m_detailBytes).substr(details.begin));
+KnownContact ContactTable::unpacked(std::size_t details) const {
+    PackedText from(m_details[details]);
+    std::size_t position = m_detailsOf[details];
+    DirectorySearchData offered = at(position);
     KnownContact known;
-    for (int left = from.number(); left > 0; --left) {
-        std::string number = from.text();
-        known.numbers.push_back({std::move(number), static_cast<NumberKind>(from.number())});
+    const std::size_t count = from.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        if (i > 0 && i % numbersPerContact == 0) {
+            offered = at(++position);
+        }
+        known.numbers.push_back({*numbersOf(offered).at(i % numbersPerContact), static_cast<NumberKind>(from.size())});
     }
-    if (std::string extra = from.text(); !extra.empty()) {
-        known.facts.push_back({"Extra", std::move(extra)});
+    if (from.size() != 0) {
+        known.facts.push_back({"Extra", offered.strExtra});
     }
-    for (int left = from.number(); left > 0; --left) {
-        const auto kind = static_cast<FactKind>(from.number());
-        known.facts.push_back({labelOf(kind), from.text()});
+    for (std::size_t left = from.size(); left > 0; --left) {
+        const std::size_t kind = from.size();
+        known.facts.push_back({labelOf(static_cast<FactKind>(kind >> 1U)),
+                               (kind & isExtra) != 0 ? offered.strExtra : std::string(from.text())});
     }
     return known;
 }
 
 KnownContact ContactTable::knownAt(std::size_t position) const {
-    const auto behind = std::upper_bound(m_details.begin(), m_details.end(), position,
-                                         [](std::size_t at, const Details& details) { return at < details.first; });
-    if (behind != m_details.begin() && position < std::prev(behind)->end) {
-        return unpacked(*std::prev(behind));
+    std::size_t low = 0; // the details before it are of contacts at the position or before
+    for (std::size_t high = m_detailsOf.size(); low < high;) {
+        const std::size_t middle = low + (high - low) / 2;
+        if (m_detailsOf[middle] <= position) {
+            low = middle + 1;
+        } else {
+            high = middle;
+        }
+    }
+    if (low > 0) {
+        const std::size_t numbers = PackedText(m_details[low - 1]).size();
+        if (position < m_detailsOf[low - 1] + positionsFor(numbers)) {
+            return unpacked(low - 1);
+        }
     }
     return knownContactOf(at(position));
 }
@@ -123,43 +115,16 @@ std::optional<KnownContact> ContactTable::known(const NameAndNumber& row) const 
 }
 
 void ContactTable::add(const DirectorySearchData& contact) {
-    const std::size_t nameHash = std::hash<std::string_view>()(contact.strName);
-    for (const std::string* number : numbersOf(contact)) {
-        m_marks.push_back(markOf(nameHash, *number));
-    }
+    m_marks.add(contact);
     m_index.add(contact);
 }
 
 std::vector<std::optional<std::size_t>> ContactTable::find(std::span<const NameAndNumber> rows) const {
-    std::vector<std::optional<std::size_t>> found(rows.size());
-    const Wanted wanted(rows);
-    std::size_t missing = rows.size();
-    for (std::size_t i = 0; i < m_marks.size() && missing > 0; ++i) {
-        if (!wanted.maybe(m_marks[i])) {
-            continue;
-        }
-        const std::size_t position = i / numbersPerContact;
-        for (std::size_t row = 0; row < rows.size(); ++row) {
-            if (wanted.at(row) == m_marks[i] && !found[row] && isOf(at(position), rows[row])) {
-                found[row] = position;
-                --missing;
-            }
-        }
-    }
-    return found;
+    return m_marks.find(rows, [this](std::size_t position) { return at(position); });
 }
 
 std::vector<bool> ContactTable::holds(std::span<const NameAndNumber> rows) const {
-    const auto found = find(rows);
-    std::vector<bool> held(found.size());
-    std::transform(found.begin(), found.end(), held.begin(), [](const auto& position) { return position.has_value(); });
-    return held;
-}
-
-DirectorySearchData ContactTable::at(std::size_t position) const {
-    OxList<DirectorySearchData> contact;
-    m_index.append(position, contact);
-    return contact.Begin()->value;
+    return isFound(find(rows));
 }
 
 KnownContact knownContactOf(const DirectorySearchData& contact) {

@@ -4,11 +4,6 @@
 // so that every number is found and dialled. What a search does not hand out (of which kind a number is, what else
 // there is to know) is kept beside the index, and only of those contacts that have it.
 //
-// For each number that is offered there is a mark of 32 bits, made of the name and the number. What is looked for is
-// marked the same way, and one walk through the marks finds the few contacts that are worth comparing: for a screen's
-// rows among a hundred thousand contacts it takes about half a millisecond, and the marks take twelve bytes a
-// contact.
-//
 //     table.add(contact);
 //     table.index().appendMatches("5", hits);
 //     const auto known = table.known(rows.front());
@@ -17,6 +12,7 @@
 #pragma once
 
 #include "host/contacts/ContactIndex.h"
+#include "host/contacts/packed/ContactMarks.h"
 #include "host/sources/ContactLookup.h"
 
 #include <cstddef>
@@ -30,9 +26,6 @@ namespace host {
 
 class ContactTable {
 public:
-    // Makes room for contacts that take so many bytes of text.
-    void reserve(std::size_t bytes) { m_index.reserve(bytes); }
-
     // Both throw what ContactIndex::add throws. The second adds exactly one position.
     void add(const Contact& contact);
     void add(const DirectorySearchData& contact);
@@ -50,24 +43,18 @@ public:
     std::optional<KnownContact> known(const NameAndNumber& row) const;
 
     // What is offered at this position (less than index().size()), and all that is known of its contact.
-    DirectorySearchData at(std::size_t position) const;
+    DirectorySearchData at(std::size_t position) const { return m_index.at(position); }
     KnownContact knownAt(std::size_t position) const;
 
 private:
-    // Of a contact of which more is known than what is offered.
-    struct Details {
-        std::size_t first = 0; // the positions at which it is offered: from this one
-        std::size_t end = 0;   // to before this one
-        std::size_t begin = 0; // in m_detailBytes
-    };
-
     void keepDetails(const Contact& contact, std::size_t first);
-    KnownContact unpacked(const Details& details) const;
+    KnownContact unpacked(std::size_t details) const;
 
     ContactIndex m_index;
-    std::vector<std::uint32_t> m_marks; // of the three numbers at each position
-    std::vector<Details> m_details;     // in the order of the positions
-    std::string m_detailBytes;
+    ContactMarks m_marks;
+    PackedRecords m_details;           // of contacts of which more is known than what is offered
+    Parted<std::uint32_t> m_detailsOf; // the first position at which each of these is offered
+    std::string m_record;              // the one that is made
 };
 
 // The numbers of a contact that are not empty, and its extra.

@@ -3,50 +3,75 @@
 #include "host/contacts/ContactFile.h"
 #include "host/formats/VCardReader.h"
 
+#include <algorithm>
 #include <iterator>
 #include <utility>
+#include <vector>
 
 namespace host {
 
 namespace {
 
-using Read = ReadContacts (*)(std::string_view bytes, const std::string& file, const TakeContact& take);
+namespace fs = std::filesystem;
 
-ReadContacts readCards(std::string_view bytes, const std::string& file, const TakeContact& take) {
-    return readVCards(bytes, file, take);
+using Read = ReadContacts (*)(TextWindow text, const std::string& file, const TakeContact& take);
+
+ReadContacts readCards(TextWindow text, const std::string& file, const TakeContact& take) {
+    return readVCards(std::move(text), file, take);
 }
 
-MadeOfFile<ContactTable> makeTable(std::string_view bytes, const std::string& file, Read readFrom) {
+MadeOfFile<ContactTable> makeTable(TextWindow text, const std::string& file, Read readFrom) {
     const auto table = std::make_shared<ContactTable>();
-    table->reserve(bytes.size());
-    ReadContacts read = readFrom(bytes, file, [&](const Contact& contact) { table->add(contact); });
+    ReadContacts read = readFrom(std::move(text), file, [&](const Contact& contact) { table->add(contact); });
     return {read.error.empty() ? table : nullptr, std::move(read.problems), std::move(read.error)};
 }
 
-// What cannot be read of the folder costs its own contacts.
-Reloaded<ContactTable>::Loaded loadFolder(const std::filesystem::path& folder) {
+// Reads one file of a folder into the table. False: it could not be read to its end.
+bool addCards(const fs::path& file, ContactTable& table, std::vector<std::string>& problems) {
+    ReadContacts read;
+    auto source = OpenFile::open(file, read.error);
+    if (source) {
+        read = readVCards(TextWindow(*source), file.string(), [&](const Contact& contact) { table.add(contact); });
+    }
+    if (source && !source->error().empty()) {
+        read = {{}, source->error()};
+    }
+    std::move(read.problems.begin(), read.problems.end(), std::back_inserter(problems));
+    if (!read.error.empty()) {
+        problems.push_back(std::move(read.error));
+    }
+    return !source || source->error().empty();
+}
+
+// What cannot be read of the folder costs its own contacts, and all of them.
+MadeOfFile<ContactTable> makeTable(std::vector<fs::path> files) {
+    std::vector<std::string> ofOthers;
+    while (true) {
+        const auto table = std::make_shared<ContactTable>();
+        std::vector<std::string> problems = ofOthers;
+        const auto half = std::find_if(files.begin(), files.end(), [&](const fs::path& file) {
+            const std::size_t before = table->index().size();
+            return !addCards(file, *table, problems) && table->index().size() > before;
+        });
+        if (half == files.end()) {
+            return {table, std::move(problems), {}};
+        }
+        ofOthers.push_back(std::move(problems.back()));
+        files.erase(half);
+    }
+}
+
+Reloaded<ContactTable>::Loaded loadFolder(const fs::path& folder) {
     Reloaded<ContactTable>::Loaded loaded;
     const auto stamp = stampOfCards(folder, loaded.made.error);
-    const auto files = stamp ? cardFilesIn(folder, loaded.made.error) : std::nullopt;
+    auto files = stamp ? cardFilesIn(folder, loaded.made.error) : std::nullopt;
     if (!files) {
         return loaded;
     }
     if (isSettled(*stamp)) {
         loaded.stamp = stamp;
     }
-    const auto table = std::make_shared<ContactTable>();
-    table->reserve(static_cast<std::size_t>(stamp->size));
-    for (const std::filesystem::path& file : *files) {
-        ReadContacts read;
-        if (const auto text = readFile(file, read.error)) {
-            read = readVCards(text->bytes, file.string(), [&](const Contact& contact) { table->add(contact); });
-        }
-        if (!read.error.empty()) {
-            read.problems.push_back(std::move(read.error));
-        }
-        std::move(read.problems.begin(), read.problems.end(), std::back_inserter(loaded.made.problems));
-    }
-    loaded.made.content = table;
+    loaded.made = makeTable(*std::move(files));
     return loaded;
 }
 
@@ -76,8 +101,8 @@ Reloaded<ContactTable>::Loaded FileDirectory::load() const {
         return loadFolder(place->path);
     }
     const Read readFrom = place->form == ContactForm::vCard ? readCards : readContacts;
-    return ReloadedFile<ContactTable>::load(place->path, [readFrom](std::string_view bytes, const std::string& file) {
-        return makeTable(bytes, file, readFrom);
+    return ReloadedFile<ContactTable>::load(place->path, [readFrom](TextWindow text, const std::string& file) {
+        return makeTable(std::move(text), file, readFrom);
     });
 }
 

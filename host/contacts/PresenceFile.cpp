@@ -1,6 +1,7 @@
 #include "host/contacts/PresenceFile.h"
 
 #include "host/contacts/BuddyFile.h"
+#include "host/contacts/ContactTable.h"
 #include "host/formats/KindOfNumber.h"
 
 #include <algorithm>
@@ -62,14 +63,15 @@ PresenceFile::PresenceFile(std::filesystem::path path, ProblemSink problemSink)
     : m_problemSink(std::move(problemSink)), m_file(std::move(path), m_problemSink, &PresenceFile::read) {
 }
 
-ReloadedFile<PresenceFile::Buddies>::Made PresenceFile::read(std::string_view bytes, const std::string& file) {
+ReloadedFile<PresenceFile::Buddies>::Made PresenceFile::read(TextWindow text, const std::string& file) {
     const auto buddies = std::make_shared<Buddies>();
-    BuddyFile read = readBuddies(bytes, file, [&](const PresenceInfo& buddy) -> std::string {
-        if (!buddies->positions.emplace(buddy.iContactId, buddies->infos.size()).second) {
+    BuddyFile read = readBuddies(std::move(text), file, [&](const PresenceInfo& buddy) -> std::string {
+        if (!buddies->infos.add(buddy)) {
             return "the id " + std::to_string(buddy.iContactId) + " is taken by an entry before it";
         }
-        buddies->infos.add(buddy);
-        buddies->table.add(asContact(buddy));
+        const DirectorySearchData contact = asContact(buddy);
+        buddies->forms.add(contact);
+        buddies->marks.add(contact);
         return {};
     });
     if (!read.error.empty()) {
@@ -92,7 +94,7 @@ bool PresenceFile::GetListByGroupId(ContactBuddyListData* pList, int&, int, cons
     if (!buddies || !pList) {
         return false;
     }
-    ContactIndex::Search search(buddies->table.index(), strKey);
+    SearchForms::Search search(buddies->forms, strKey);
     while (const auto position = search.next()) {
         pList->listContactId.push_back(buddies->infos.idAt(*position));
     }
@@ -107,17 +109,21 @@ int PresenceFile::GetContactDetail(PresenceInfo& info, PresenceType, int) {
     if (!buddies) {
         return 0;
     }
-    const auto at = buddies->positions.find(info.iContactId);
-    if (at == buddies->positions.end()) {
+    const auto position = buddies->infos.positionOf(info.iContactId);
+    if (!position) {
         return 0;
     }
-    info = buddies->infos.at(at->second);
+    info = buddies->infos.at(*position);
     return 1;
+}
+
+std::vector<std::optional<std::size_t>> PresenceFile::Buddies::find(std::span<const NameAndNumber> rows) const {
+    return marks.find(rows, [this](std::size_t position) { return asContact(infos.at(position)); });
 }
 
 std::vector<bool> PresenceFile::holds(std::span<const NameAndNumber> rows) const {
     const auto buddies = m_file.lastRead();
-    return buddies ? buddies->table.holds(rows) : std::vector<bool>(rows.size());
+    return buddies ? isFound(buddies->find(rows)) : std::vector<bool>(rows.size());
 }
 
 std::size_t PresenceFile::size() const {
@@ -127,7 +133,7 @@ std::size_t PresenceFile::size() const {
 
 std::optional<KnownContact> PresenceFile::find(const NameAndNumber& row) const {
     const auto buddies = m_file.lastRead();
-    const auto position = buddies ? buddies->table.find({&row, 1}).front() : std::nullopt;
+    const auto position = buddies ? buddies->find({&row, 1}).front() : std::nullopt;
     return position ? std::optional(knownBuddy(buddies->infos.at(*position))) : std::nullopt;
 }
 

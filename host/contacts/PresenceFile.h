@@ -13,15 +13,17 @@
 #pragma once
 
 #include "app/Gui/Logic/Wideseek/WideseekData.h"
-#include "host/contacts/ContactTable.h"
-#include "host/contacts/PackedBuddies.h"
+#include "host/contacts/SearchForms.h"
+#include "host/contacts/packed/ContactMarks.h"
+#include "host/contacts/packed/PackedBuddies.h"
 #include "host/files/ReloadedFile.h"
 #include "host/sources/ContactLookup.h"
 #include "platform/Presence.h"
 
+#include <memory>
+#include <optional>
+#include <span>
 #include <string>
-#include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace host {
@@ -43,13 +45,16 @@ public:
     std::size_t size() const override;
 
 private:
+    // Of each buddy, at the same position in the file's order.
     struct Buddies {
-        PackedBuddies infos;                            // in the file's order
-        std::unordered_map<int, std::size_t> positions; // by id
-        ContactTable table;                             // what the search makes of them, at the same positions
+        PackedBuddies infos;
+        SearchForms forms; // of the name and the numbers that the search makes of it
+        ContactMarks marks;
+
+        std::vector<std::optional<std::size_t>> find(std::span<const NameAndNumber> rows) const;
     };
 
-    static ReloadedFile<Buddies>::Made read(std::string_view bytes, const std::string& file);
+    static ReloadedFile<Buddies>::Made read(TextWindow text, const std::string& file);
 
     std::shared_ptr<const Buddies> current();
 

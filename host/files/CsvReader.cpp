@@ -19,13 +19,13 @@ bool isNamed(const CsvColumn& column, std::string_view folded) {
 
 } // namespace
 
-CsvReader::CsvReader(std::string_view text, std::string file, std::span<const CsvColumn> columns)
-    : m_rows(text, std::move(file)), m_columns(columns), m_places(columns.size(), none) {
-    readHeader(text);
+CsvReader::CsvReader(TextWindow text, std::string file, std::span<const CsvColumn> columns)
+    : m_rows(std::move(text), std::move(file)), m_columns(columns), m_places(columns.size(), none) {
+    readHeader();
 }
 
-void CsvReader::readHeader(std::string_view text) {
-    if (text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF")) {
+void CsvReader::readHeader() {
+    if (m_rows.isUtf16()) {
         m_rows.failWhole("is UTF-16 text - save it as UTF-8, or bring it in with \"wideseek import\"");
         return;
     }

@@ -26,7 +26,7 @@ public:
     static constexpr std::size_t none = static_cast<std::size_t>(-1);
 
     // text and columns must outlive the reader; file is what problems name.
-    CsvReader(std::string_view text, std::string file, std::span<const CsvColumn> columns);
+    CsvReader(TextWindow text, std::string file, std::span<const CsvColumn> columns);
 
     // Goes to the next row. False at the end, and at once when the table cannot be read (error()).
     bool next() { return m_rows.next(); }
@@ -54,7 +54,7 @@ public:
     std::vector<std::string> problems() { return m_rows.problems(); }
 
 private:
-    void readHeader(std::string_view text);
+    void readHeader();
     void nameColumn(std::size_t place, std::string_view name);
     std::string knownColumns() const;
 

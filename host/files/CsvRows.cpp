@@ -12,13 +12,20 @@ namespace {
 
 constexpr unsigned char strict = CSV_STRICT | CSV_STRICT_FINI;
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+constexpr std::string_view outOfPlace =
+    "a quotation mark or carriage return is out of place - put the whole field in quotation marks and double those "
+    "within it";
+constexpr std::string_view tooLong = "is longer than 4 MiB - shorten its fields";
+static_assert(CsvRows::longestRow == 4UL << 20U);
 
 } // namespace
 
-CsvRows::CsvRows(std::string_view text, std::string file, CsvForm form)
-    : m_text(text), m_file(std::move(file)), m_form(form), m_problems(m_file) {
+CsvRows::CsvRows(TextWindow text, std::string file, CsvForm form)
+    : m_text(std::move(text)), m_file(std::move(file)), m_form(form), m_problems(m_file) {
     initParser();
-    if (m_text.starts_with(byteOrderMark)) {
+    const std::string_view first = m_text.from(0, byteOrderMark.size());
+    m_utf16 = first.starts_with("\xFF\xFE") || first.starts_with("\xFE\xFF");
+    if (first.starts_with(byteOrderMark)) {
         m_next = byteOrderMark.size();
     }
 }
@@ -64,34 +71,44 @@ bool CsvRows::isSkipped(std::string_view line) const {
 
 // Goes to the next row that is well formed; adds a problem for each one before it that is not.
 bool CsvRows::nextRow() {
-    while (m_error.empty() && m_next < m_text.size()) {
-        m_line = m_nextLine;
+    while (m_error.empty()) {
         m_begin = m_next;
-        const std::string_view line = takeLine();
-        if (isSkipped(line)) {
-            continue;
+        if (!hasMore()) {
+            break;
         }
+        m_line = m_nextLine;
+        const std::string_view line = takeLine();
         const std::size_t behindLine = m_next;
-        if (!readRow(line)) {
-            rejectRow(
-                "a quotation mark or carriage return is out of place - put the whole field in quotation marks and "
-                "double those within it");
+        const bool cut = m_cut;
+        const bool skipped = isSkipped(line);
+        if (const std::string_view reason = skipped ? std::string_view() : readRow(line); !reason.empty()) {
+            rejectRow(reason);
             csv_free(&m_parser);
             initParser();
             m_next = behindLine;
             m_nextLine = m_line + 1;
-        } else if (m_text.substr(m_begin, m_next - m_begin).find('\0') != std::string_view::npos) {
-            rejectRow("holds a NUL byte - save the file as UTF-8 text");
-        } else {
-            if (!text::isUtf8(m_text.substr(m_begin, m_next - m_begin))) {
-                addProblem(
-                    "is not UTF-8 text, so a name in it may not be found - save the file as UTF-8 (\"CSV UTF-8\" "
-                    "in a spreadsheet); kept as it is");
-            }
+        } else if (!skipped && isText()) {
             return true;
+        }
+        if (cut) {
+            skipRestOfLine();
         }
     }
     return false;
+}
+
+// Whether the row can be used; a problem when it cannot, or not as it should.
+bool CsvRows::isText() {
+    const std::string_view row = m_text.from(m_begin, m_next - m_begin).substr(0, m_next - m_begin);
+    if (row.find('\0') != std::string_view::npos) {
+        rejectRow("holds a NUL byte - save the file as UTF-8 text");
+        return false;
+    }
+    if (!text::isUtf8(row)) {
+        addProblem("is not UTF-8 text, so a name in it may not be found - save the file as UTF-8 (\"CSV UTF-8\" "
+                   "in a spreadsheet); kept as it is");
+    }
+    return true;
 }
 
 // Nothing can be read when it is the first line that is malformed.
@@ -103,22 +120,29 @@ void CsvRows::rejectRow(std::string_view reason) {
     }
 }
 
-// The row that begins with this line, and the lines that a quotation mark in it joins to it. False: it is malformed.
-bool CsvRows::readRow(std::string_view line) {
+// Reads the row that begins with this line, and the lines that a quotation mark in it joins to it. Why it is malformed;
+// empty: it is not.
+std::string_view CsvRows::readRow(std::string_view line) {
     m_fieldCount = 0;
     m_rowEnded = false;
     while (true) {
         const std::size_t body = line.size() - (line.ends_with("\r\n") ? 2 : line.ends_with('\n') ? 1 : 0);
-        if (!feed(line.substr(0, body)) || m_rowEnded || !feed(line.substr(body))) {
-            return false;
+        if (!feed(line.substr(0, body)) || m_rowEnded) {
+            return outOfPlace;
+        }
+        if (m_cut) {
+            return m_nextLine == m_line + 1 ? tooLong : outOfPlace;
+        }
+        if (!feed(line.substr(body))) {
+            return outOfPlace;
         }
         if (m_rowEnded) {
-            return true;
+            return {};
         }
-        if (m_next >= m_text.size()) {
+        if (!hasMore()) {
             const bool whole = csv_fini(&m_parser, &onField, &onRow, this) == 0;
             throwIfOutOfMemory();
-            return whole;
+            return whole ? std::string_view() : outOfPlace;
         }
         line = takeLine();
     }
@@ -136,13 +160,42 @@ bool CsvRows::feed(std::string_view bytes) {
     return false;
 }
 
+// Whether anything stands behind the lines that have been taken.
+bool CsvRows::hasMore() {
+    const std::size_t taken = m_next - m_begin;
+    return m_text.from(m_begin, taken + 1).size() > taken;
+}
+
+// The row's next line with its end, or as much of it as a row may have.
 std::string_view CsvRows::takeLine() {
-    const std::size_t end = m_text.find('\n', m_next);
-    const std::size_t behind = end == std::string_view::npos ? m_text.size() : end + 1;
-    const std::string_view line = m_text.substr(m_next, behind - m_next);
-    m_next = behind;
+    const std::size_t taken = m_next - m_begin;
+    std::string_view row = m_text.from(m_begin, taken);
+    std::size_t searched = taken;
+    std::size_t end = row.find('\n', searched);
+    while (end == std::string_view::npos && row.size() <= longestRow) {
+        searched = row.size();
+        row = m_text.from(m_begin, searched + 1);
+        if (row.size() == searched) {
+            break;
+        }
+        end = row.find('\n', searched);
+    }
+    const std::size_t behind = end == std::string_view::npos ? row.size() : end + 1;
+    m_cut = behind > longestRow;
+    row = row.substr(taken, (m_cut ? longestRow : behind) - taken);
+    m_next += row.size();
     ++m_nextLine;
-    return line;
+    return row;
+}
+
+void CsvRows::skipRestOfLine() {
+    std::string_view rest;
+    std::size_t end = std::string_view::npos;
+    do {
+        rest = m_text.from(m_next);
+        end = rest.find('\n');
+        m_next += end == std::string_view::npos ? rest.size() : end + 1;
+    } while (end == std::string_view::npos && !rest.empty());
 }
 
 // No exception may pass through the parser, which is in C.

@@ -2,7 +2,8 @@
 //
 // A malformed row becomes a problem and is skipped; reading goes on with the next line, so that a quotation mark too
 // many costs one line and not the rest of the file. Blank lines and, where wanted, comments are skipped. A line number
-// is that of the line on which a row begins.
+// is that of the line on which a row begins. Of the text only the row is held that is read; one of more than longestRow
+// bytes is malformed.
 //
 //     CsvRows rows(bytes, "contacts.csv");
 //     while (rows.next()) { use(rows.field(0)); }
@@ -10,6 +11,7 @@
 #pragma once
 
 #include "host/files/Problems.h"
+#include "host/files/TextWindow.h"
 
 #include <csv.h>
 
@@ -32,14 +34,19 @@ struct CsvForm {
 
 class CsvRows {
 public:
+    static constexpr std::size_t longestRow = 4UL << 20U; // bytes
+
     // text must outlive the reader; file is what problems name. A byte order mark is skipped.
-    CsvRows(std::string_view text, std::string file, CsvForm form = {});
+    CsvRows(TextWindow text, std::string file, CsvForm form = {});
     ~CsvRows();
     CsvRows(const CsvRows&) = delete;
     CsvRows& operator=(const CsvRows&) = delete;
 
     // Goes to the next row. False at the end, and at once when the table cannot be read (error()).
     bool next();
+
+    // Whether the text begins with a byte order mark of UTF-16, which cannot be read.
+    bool isUtf16() const { return m_utf16; }
 
     // The row that was given is the first line that counts: from now on a row with more fields than it has is
     // malformed. Until then a malformed row is an error of the whole table.
@@ -75,16 +82,20 @@ private:
     std::string at(std::size_t line, std::string_view reason) const;
     bool isSkipped(std::string_view line) const;
     bool nextRow();
-    bool readRow(std::string_view line);
+    bool isText();
+    std::string_view readRow(std::string_view line);
     bool feed(std::string_view bytes);
     void throwIfOutOfMemory() const;
     void rejectRow(std::string_view reason);
+    bool hasMore();
     std::string_view takeLine();
+    void skipRestOfLine();
 
     static void onField(void* bytes, std::size_t size, void* reader);
     static void onRow(int end, void* reader);
 
-    std::string_view m_text;
+    TextWindow m_text; // held from m_begin on
+    bool m_utf16 = false;
     std::string m_file;
     CsvForm m_form;
     csv_parser m_parser{};
@@ -96,6 +107,7 @@ private:
     std::size_t m_fieldCount = 0;
     bool m_rowEnded = false;
     bool m_outOfMemory = false; // while a field was taken
+    bool m_cut = false;         // the line that was taken last makes the row too long, and goes on
     std::size_t m_width = 0;    // 0: not set
     std::string m_error;
     Problems m_problems;

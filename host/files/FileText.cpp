@@ -1,14 +1,14 @@
 #include "host/files/FileText.h"
 
-#include "host/files/Descriptor.h"
-
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <system_error>
+#include <utility>
 
 namespace host {
 
@@ -37,28 +37,6 @@ std::optional<FileStamp> stampFrom(const struct stat& status, const std::filesys
     return FileStamp{status.st_dev, status.st_ino, status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
 }
 
-// Not more than expected: a file that grows meanwhile has changed, and is read again.
-std::optional<std::string> readBytes(int file, std::size_t expected, int& code) {
-    std::string bytes(expected, '\0');
-    std::size_t size = 0;
-    while (size < expected) {
-        const ssize_t count = read(file, bytes.data() + size, expected - size);
-        if (count < 0 && errno == EINTR) {
-            continue;
-        }
-        if (count < 0) {
-            code = errno;
-            return std::nullopt;
-        }
-        if (count == 0) {
-            break;
-        }
-        size += static_cast<std::size_t>(count);
-    }
-    bytes.resize(size);
-    return bytes;
-}
-
 } // namespace
 
 // File systems keep the time of a change in steps of some milliseconds. A time to come says nothing.
@@ -78,26 +56,52 @@ std::optional<FileStamp> stampOf(const std::filesystem::path& path, std::string&
     return stampFrom(status, path, error);
 }
 
-std::optional<FileText> readFile(const std::filesystem::path& path, std::string& error) {
+OpenFile::OpenFile(std::filesystem::path path, Descriptor file, const FileStamp& stamp)
+    : m_path(std::move(path)), m_file(std::move(file)), m_stamp(stamp), m_settled(isSettled(stamp)),
+      m_left(static_cast<std::size_t>(stamp.size)) {
+}
+
+std::optional<OpenFile> OpenFile::open(const std::filesystem::path& path, std::string& error) {
     // Without O_NONBLOCK, opening a pipe would wait for its writer.
-    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     struct stat status {};
     if (file.number() < 0 || fstat(file.number(), &status) != 0) {
         error = failure(path, errno);
         return std::nullopt;
     }
     const auto stamp = stampFrom(status, path, error);
-    if (!stamp) {
+    return stamp ? std::optional(OpenFile(path, std::move(file), *stamp)) : std::nullopt;
+}
+
+std::size_t OpenFile::read(char* to, std::size_t size) {
+    const std::size_t most = std::min(size, m_left);
+    ssize_t count = 0;
+    do {
+        count = most == 0 ? 0 : ::read(m_file.number(), to, most);
+    } while (count < 0 && errno == EINTR);
+    if (count < 0) {
+        m_error = failure(m_path, errno);
+    }
+    m_left = count <= 0 ? 0 : m_left - static_cast<std::size_t>(count);
+    return count <= 0 ? 0 : static_cast<std::size_t>(count);
+}
+
+std::optional<FileText> readFile(const std::filesystem::path& path, std::string& error) {
+    auto file = OpenFile::open(path, error);
+    if (!file) {
         return std::nullopt;
     }
-    const bool settled = isSettled(*stamp);
-    int code = 0;
-    auto bytes = readBytes(file.number(), static_cast<std::size_t>(stamp->size), code);
-    if (!bytes) {
-        error = failure(path, code);
+    std::string bytes(static_cast<std::size_t>(file->stamp().size), '\0');
+    std::size_t size = 0;
+    while (const std::size_t count = file->read(bytes.data() + size, bytes.size() - size)) {
+        size += count;
+    }
+    if (!file->error().empty()) {
+        error = file->error();
         return std::nullopt;
     }
-    return FileText{*std::move(bytes), *stamp, settled};
+    bytes.resize(size);
+    return FileText{std::move(bytes), file->stamp(), file->settled()};
 }
 
 } // namespace host

@@ -18,7 +18,6 @@
 #include <optional>
 #include <set>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -123,20 +122,25 @@ private:
 template <typename Content> class ReloadedFile : public Reloaded<Content> {
 public:
     using Made = MadeOfFile<Content>;
-    using Make = std::function<Made(std::string_view bytes, const std::string& file)>;
+    using Make = std::function<Made(TextWindow text, const std::string& file)>;
 
     ReloadedFile(std::filesystem::path path, ProblemSink problemSink, Make make)
         : Reloaded<Content>(
               std::move(problemSink), [path](std::string& error) { return stampOf(path, error); },
               [path, make = std::move(make)] { return load(path, make); }) {}
 
-    // Reads the file once.
+    // Reads the file once, a piece at a time.
     static typename Reloaded<Content>::Loaded load(const std::filesystem::path& path, const Make& make) {
         typename Reloaded<Content>::Loaded loaded;
-        const auto text = readFile(path, loaded.made.error);
-        if (text) {
-            loaded.made = make(text->bytes, path.string());
-            loaded.stamp = text->settled ? std::optional(text->stamp) : std::nullopt;
+        auto source = OpenFile::open(path, loaded.made.error);
+        if (!source) {
+            return loaded;
+        }
+        loaded.made = make(TextWindow(*source), path.string());
+        if (!source->error().empty()) {
+            loaded.made = {nullptr, {}, source->error()};
+        } else if (source->settled()) {
+            loaded.stamp = source->stamp();
         }
         return loaded;
     }

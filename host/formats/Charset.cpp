@@ -33,9 +33,8 @@ const Mark* markOf(std::string_view bytes) {
 
 // UTF-16 of mostly ASCII, as column names and property names are: 0 or 1, the place of the zero in each pair of bytes.
 int placeOfZeros(std::string_view bytes) {
-    constexpr std::size_t looked = 64;
     std::array<std::size_t, 2> zeros{};
-    const std::size_t size = std::min(bytes.size(), looked) & ~std::size_t{1};
+    const std::size_t size = std::min(bytes.size(), enoughToTell) & ~std::size_t{1};
     for (std::size_t i = 0; i < size; ++i) {
         zeros.at(i % 2) += bytes[i] == '\0' ? 1U : 0U;
     }
@@ -72,7 +71,7 @@ bool isUtf8Name(std::string_view name) {
 
 } // namespace
 
-Charset::Charset(const std::string& name) : m_conversion(iconv_open("UTF-8", name.c_str())) {
+Charset::Charset(const std::string& name) : m_conversion(name.empty() ? none() : iconv_open("UTF-8", name.c_str())) {
 }
 
 Charset::~Charset() {
@@ -88,44 +87,60 @@ bool Charset::isUsable() const {
 std::string Charset::toUtf8(std::string_view text) {
     iconv(m_conversion, nullptr, nullptr, nullptr, nullptr);
     std::string result;
+    appendUtf8(text, true, result);
+    return result;
+}
+
+std::size_t Charset::appendUtf8(std::string_view piece, bool isLast, std::string& out) {
     std::array<char, 4096> block{};
-    char* from = const_cast<char*>(text.data()); // iconv only reads it
-    std::size_t left = text.size();
+    char* from = const_cast<char*>(piece.data()); // iconv only reads it
+    std::size_t left = piece.size();
     while (left > 0) {
         char* to = block.data();
         std::size_t room = block.size();
         const bool stopped = iconv(m_conversion, &from, &left, &to, &room) == static_cast<std::size_t>(-1);
         const int reason = errno;
-        result.append(block.data(), block.size() - room);
+        out.append(block.data(), block.size() - room);
+        if (stopped && reason == EINVAL && !isLast) {
+            break;
+        }
         if (stopped && reason != E2BIG && left > 0) {
-            result += replacement;
+            out += replacement;
             ++from;
             --left;
         }
     }
-    return result;
+    return piece.size() - left;
 }
 
 bool isCharset(const std::string& name) {
     return Charset(name).isUsable();
 }
 
-std::string charsetOf(std::string_view bytes) {
+std::string charsetOfBeginning(std::string_view bytes) {
     if (const Mark* mark = markOf(bytes)) {
         return mark->charset;
     }
     const int zeros = placeOfZeros(bytes);
-    if (zeros >= 0) {
-        return zeros == 0 ? "UTF-16BE" : "UTF-16LE";
+    return zeros < 0 ? "" : zeros == 0 ? "UTF-16BE" : "UTF-16LE";
+}
+
+std::size_t sizeOfMark(std::string_view bytes) {
+    const Mark* mark = markOf(bytes);
+    return mark == nullptr ? 0 : mark->bytes.size();
+}
+
+std::string charsetOf(std::string_view bytes) {
+    std::string told = charsetOfBeginning(bytes);
+    if (!told.empty()) {
+        return told;
     }
     return text::isUtf8(bytes) || isMostlyUtf8(bytes) ? "UTF-8" : lastResort;
 }
 
 void readAsUtf8(std::string_view bytes, const std::string& charset, Utf8Text& result) {
     result.charset = charset.empty() ? charsetOf(bytes) : charset;
-    if (const Mark* mark = markOf(bytes)) {
-        bytes.remove_prefix(mark->bytes.size());
-    }
+    bytes.remove_prefix(sizeOfMark(bytes));
     Charset conversion(result.charset);
     if (isUtf8Name(result.charset) || !conversion.isUsable()) {
         result.text = bytes;
@@ -133,6 +148,23 @@ void readAsUtf8(std::string_view bytes, const std::string& charset, Utf8Text& re
     }
     result.converted = conversion.toUtf8(bytes);
     result.text = result.converted;
+}
+
+std::size_t Utf8Source::read(char* to, std::size_t size) {
+    constexpr std::size_t longestCharacter = 16; // bytes, and more than in any encoding
+    constexpr std::size_t most = 16UL * 1024;
+    while (m_given == m_converted.size()) {
+        const std::string_view piece = m_text.from(m_next, longestCharacter);
+        if (piece.empty()) {
+            return 0;
+        }
+        m_converted.clear();
+        m_given = 0;
+        m_next += m_charset.appendUtf8(piece.substr(0, most), piece.size() < longestCharacter, m_converted);
+    }
+    const std::size_t count = m_converted.copy(to, size, m_given);
+    m_given += count;
+    return count;
 }
 
 } // namespace host

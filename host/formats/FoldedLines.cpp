@@ -1,14 +1,31 @@
 #include "host/formats/FoldedLines.h"
 
+#include "host/formats/ReadContacts.h"
+
 #include <algorithm>
 
 namespace host {
+
+namespace {
+
+// Where the first line ends: the place of its CR or LF, or the text's end.
+std::size_t endOfLine(std::string_view text) {
+    const std::size_t feed = std::min(text.find('\n'), text.size());
+    return std::min(text.substr(0, feed).find('\r'), feed);
+}
+
+// How many bytes end the line there.
+std::size_t sizeOfLineEnd(std::string_view text) {
+    return text.empty() ? 0 : text.starts_with("\r\n") ? 2 : 1;
+}
+
+} // namespace
 
 bool FoldedLines::next() {
     while (goesOn() && m_number > 0) {
         take();
     }
-    if (m_next >= m_text.size()) {
+    if (!hasMore()) {
         return false;
     }
     m_number = m_nextNumber;
@@ -35,7 +52,7 @@ std::string_view FoldedLines::join(bool blanks, bool softBreaks) {
         return m_first;
     }
     m_joined = m_first;
-    while (m_next < m_text.size()) {
+    while (hasMore()) {
         if (softBreaks && last.ends_with('=')) {
             m_joined.pop_back();
             last = take();
@@ -45,22 +62,43 @@ std::string_view FoldedLines::join(bool blanks, bool softBreaks) {
         } else {
             break;
         }
-        m_joined += last;
+        m_joined += cutAt(last, longest - std::min(longest, m_joined.size()));
     }
     return m_joined;
 }
 
-bool FoldedLines::goesOn() const {
-    return m_next < m_text.size() && (m_text[m_next] == ' ' || m_text[m_next] == '\t');
+bool FoldedLines::goesOn() {
+    const std::string_view text = m_text.from(m_next);
+    return text.starts_with(' ') || text.starts_with('\t');
 }
 
+// The byte behind the line's end is held with the line, so that a look at it leaves the line where it is.
 std::string_view FoldedLines::take() {
-    const std::size_t begin = m_next;
-    const std::size_t feed = std::min(m_text.find('\n', begin), m_text.size());
-    const std::size_t end = begin + std::min(m_text.substr(begin, feed - begin).find('\r'), feed - begin);
-    m_next = std::min(feed == end + 1 ? feed + 1 : end + 1, m_text.size());
+    std::string_view text = m_text.from(m_next);
+    std::size_t end = endOfLine(text);
+    for (std::size_t held = 0; end + 2 >= text.size() && end < longest && text.size() > held;) {
+        held = text.size();
+        text = m_text.from(m_next, held + 1);
+        end = endOfLine(text);
+    }
     ++m_nextNumber;
-    return m_text.substr(begin, end - begin);
+    if (end >= longest) {
+        return takeLong(text);
+    }
+    m_next += end + sizeOfLineEnd(text.substr(end));
+    return text.substr(0, end);
+}
+
+std::string_view FoldedLines::takeLong(std::string_view text) {
+    m_long = cutAt(text, longest);
+    std::size_t end = 0;
+    do {
+        text = m_text.from(m_next);
+        end = endOfLine(text);
+        m_next += end;
+    } while (end == text.size() && end > 0);
+    m_next += sizeOfLineEnd(m_text.from(m_next, 2));
+    return m_long;
 }
 
 } // namespace host

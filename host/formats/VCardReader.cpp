@@ -5,6 +5,7 @@
 #include "host/text/Utf8.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace host {
 
@@ -66,6 +67,11 @@ std::string fullNameOf(const std::vector<std::string>& parts) {
     return name;
 }
 
+// So that the lines of a card can be read before their encoding is known.
+bool isLikeAscii(Charset& charset) {
+    return !charset.isUsable() || charset.toUtf8("BEGIN") == "BEGIN";
+}
+
 std::string joined(const std::vector<std::string>& parts, std::size_t from) {
     std::string all;
     for (std::size_t i = from; i < parts.size(); ++i) {
@@ -78,9 +84,9 @@ std::string joined(const std::vector<std::string>& parts, std::size_t from) {
 
 } // namespace
 
-VCardReader::VCardReader(std::string_view text, std::string file, std::string charset)
+VCardReader::VCardReader(TextWindow text, std::string file, std::string charset)
     : m_file(std::move(file)), m_charset(charset.empty() ? std::string(fallbackCharset) : std::move(charset)),
-      m_lines(text), m_problems(m_file), m_builder(m_problems) {
+      m_lines(std::move(text)), m_problems(m_file), m_builder(m_problems) {
 }
 
 bool VCardReader::next() {
@@ -340,10 +346,9 @@ bool VCardReader::useConversion(const std::string& charset) {
 }
 
 void readCardsAsUtf8(std::string_view bytes, const std::string& charset, Utf8Text& result) {
-    const std::string whole = charset.empty() ? charsetOf(bytes) : charset;
+    const std::string whole = charset.empty() ? charsetOfBeginning(bytes) : charset;
     Charset conversion(whole);
-    const bool isLikeAscii = !conversion.isUsable() || conversion.toUtf8("BEGIN") == "BEGIN";
-    readAsUtf8(bytes, isLikeAscii ? "UTF-8" : whole, result);
+    readAsUtf8(bytes, isLikeAscii(conversion) ? "UTF-8" : whole, result);
 }
 
 bool isVCard(std::string_view text) {
@@ -356,11 +361,12 @@ bool isVCard(std::string_view text) {
     return false;
 }
 
-ReadContacts readVCards(std::string_view bytes, const std::string& file, const TakeContact& take,
-                        const std::string& charset) {
-    Utf8Text text;
-    readCardsAsUtf8(bytes, charset, text);
-    VCardReader reader(text.text, file, charset);
+ReadContacts readVCards(TextWindow text, const std::string& file, const TakeContact& take, const std::string& charset) {
+    const std::string_view first = text.from(0, enoughToTell);
+    Charset whole(charset.empty() ? charsetOfBeginning(first) : charset);
+    text.dropFront(sizeOfMark(first));
+    Utf8Source converted(text, whole);
+    VCardReader reader(isLikeAscii(whole) ? std::move(text) : TextWindow(converted), file, charset);
     while (reader.next()) {
         take(reader.contact());
     }

@@ -8,7 +8,7 @@
 //     while (reader.next()) { use(reader.contact()); }
 //     if (!reader.error().empty()) ...
 //
-// or, for the bytes of a whole file, readVCards.
+// or, for a whole file as it is, readVCards.
 #pragma once
 
 #include "host/formats/Charset.h"
@@ -52,7 +52,7 @@ class VCardReader {
 public:
     // text is UTF-8 as a rule and must outlive the reader; file is what problems name. A value that is not UTF-8 and
     // names no encoding of its own is of this one.
-    VCardReader(std::string_view text, std::string file, std::string charset = "windows-1252");
+    VCardReader(TextWindow text, std::string file, std::string charset = "windows-1252");
 
     // Goes to the next card that has a name or a number. False at the end.
     bool next();
@@ -136,10 +136,10 @@ private:
     std::unique_ptr<Charset> m_conversion; // the one that was needed last
 };
 
-// Reads the contacts from the bytes of the file called `file` and hands them to take. UTF-16 and UTF-8 are told from
+// Reads the contacts from the text of the file called `file` and hands them to take. UTF-16 and UTF-8 are told from
 // each other; charset (known to iconv; empty: windows-1252) is what text is taken for that is neither and names no
 // encoding of its own. Any thread.
-ReadContacts readVCards(std::string_view bytes, const std::string& file, const TakeContact& take,
+ReadContacts readVCards(TextWindow text, const std::string& file, const TakeContact& take,
                         const std::string& charset = {});
 
 // The bytes as a reader takes them: UTF-16 (or another encoding that is told and unlike ASCII) is converted, and all

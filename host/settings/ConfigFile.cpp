@@ -70,9 +70,9 @@ ConfigFile::ConfigFile(std::filesystem::path path, ProblemSink problemSink)
     : m_path(std::move(path)), m_problemSink(std::move(problemSink)), m_file(m_path, m_problemSink, &ConfigFile::read) {
 }
 
-ReloadedFile<ConfigFile::Keys>::Made ConfigFile::read(std::string_view bytes, const std::string& file) {
+ReloadedFile<ConfigFile::Keys>::Made ConfigFile::read(TextWindow all, const std::string& file) {
     const auto keys = std::make_shared<Keys>();
-    LineReader lines{.rest = bytes, .problems = Problems(file)};
+    LineReader lines{.rest = all.whole(), .problems = Problems(file)};
     const auto store = [](void* user, const char* section, const char* key, const char* text) noexcept {
         const auto& [into, from] = *static_cast<std::pair<Keys*, LineReader*>*>(user);
         try {

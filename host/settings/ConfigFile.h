@@ -42,7 +42,7 @@ private:
     using Sections = std::map<std::string, std::string, std::less<>>; // a key's value in each
     using Keys = std::map<std::string, Sections, std::less<>>;
 
-    static ReloadedFile<Keys>::Made read(std::string_view bytes, const std::string& file);
+    static ReloadedFile<Keys>::Made read(TextWindow all, const std::string& file);
     std::shared_ptr<const Keys> keys();
 
     const std::filesystem::path m_path;

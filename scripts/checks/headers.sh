@@ -40,7 +40,8 @@ sources       text
 files         text
 settings      text files
 formats       text files sources
-contacts      text files sources formats
+contacts/packed sources
+contacts      text files sources formats contacts/packed
 remote/http   text
 remote/refresh files settings remote/http
 remote        text sources files formats contacts remote/http remote/refresh

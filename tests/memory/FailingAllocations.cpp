@@ -1,10 +1,16 @@
 #include "tests/memory/FailingAllocations.h"
 
+#include <malloc.h>
+
+#include <algorithm>
 #include <cstdlib>
 #include <new>
 #include <pugixml.hpp>
 
 namespace test {
+
+thread_local AllocatedBytes allocatedBytes;
+
 namespace {
 
 const auto xmlIsCounted = [] {
@@ -23,11 +29,23 @@ bool fails() {
     return true;
 }
 
+void* allocated(void* block) {
+    AllocatedBytes& bytes = allocatedBytes;
+    bytes.now += malloc_usable_size(block);
+    bytes.peak = std::max(bytes.peak, bytes.now);
+    return block;
+}
+
+void release(void* block) {
+    allocatedBytes.now -= malloc_usable_size(block);
+    std::free(block);
+}
+
 } // namespace
 } // namespace test
 
 void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
-    return test::fails() ? nullptr : std::malloc(size > 0 ? size : 1);
+    return test::fails() ? nullptr : test::allocated(std::malloc(size > 0 ? size : 1));
 }
 
 void* operator new(std::size_t size) {
@@ -39,9 +57,9 @@ void* operator new(std::size_t size) {
 }
 
 void operator delete(void* block) noexcept {
-    std::free(block);
+    test::release(block);
 }
 
 void operator delete(void* block, std::size_t /*size*/) noexcept {
-    std::free(block);
+    test::release(block);
 }
