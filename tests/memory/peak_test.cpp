@@ -4,6 +4,7 @@
 #include "host/contacts/FileDirectory.h"
 #include "host/contacts/PresenceFile.h"
 #include "tests/memory/FailingAllocations.h"
+#include "tests/support/SteppedPhone.h"
 
 #include <gtest/gtest.h>
 #include <sys/syscall.h>
