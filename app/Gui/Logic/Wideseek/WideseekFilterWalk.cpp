@@ -161,11 +161,11 @@ void CWideseekFilterWalk::AddNoted() {
         m_itPlace = pNoted->itPlace;
         Add(*pNoted->itRow);
     }
-    m_vecNoted = {};
+    std::vector<NotedRow>().swap(m_vecNoted);
 }
 
 void CWideseekFilterWalk::Clear() {
-    m_vecNoted = {};
+    std::vector<NotedRow>().swap(m_vecNoted);
     m_mapFilter.clear();
     m_itPlace = m_mapFilter.end();
 }
