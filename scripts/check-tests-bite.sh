@@ -50,8 +50,8 @@ what was given up keeps its timer | WideseekAction.cpp | /::MyGiveUp/,/^}/s/MyKi
 an answer that there is no memory for is taken by half | WideseekAction.cpp | /::OnTaskActionCallback(/,/^}/s/MyGiveUp();//
 a row that there is no memory for is left out of its page | WideseekPage.cpp | /::Append/,/^}/s/Assign(.*/try { WideseekItemData row; Assign(row, item); m_pageNext.listItem.push_back(row); } catch (...) {}/
 what one source found is forgotten by the next | WideseekActionSource.cpp | /::MyMergeRows/,/^}/s/MyAddFilter(\*place.itRow);/(void)place;/
-what was noted for the next source is lost | WideseekAction.cpp | /::MyReSearch(/,/^}/s/m_walk.AddNoted();//
-what was noted of an answer is lost | WideseekAction.cpp | /::OnTaskActionCallbackLdap/,/^}/s/m_walk.AddNoted();//
+what was noted for the next source is lost | WideseekAction.cpp | /::MyReSearch(/,/^}/s/MyFinishMerge(/MyCheckResult(/
+what was noted of an answer is lost | WideseekAction.cpp | /::OnTaskActionCallbackLdap/,/^}/s/MyFinishMerge(/MyCheckResult(/
 a contact's number is noted twice | WideseekFilterWalk.cpp | s/!(\*m_vecNoted.back().itRow < item)/item < *m_vecNoted.back().itRow/
 the rows in front of a page count twice | WideseekActionPage.cpp | s/bucket.GetShown() - uInFront/bucket.GetShown()/
 LDAP's former rows stay in the filter | WideseekActionSource.cpp | /::MyReSearchLdap/,/^}/s/MyForgetRows(listDropped);//
@@ -65,8 +65,8 @@ a cleared filter is looked at where it was | WideseekFilterWalk.cpp | /::Clear/,
 the second number's row shows the first one | WideseekRows.cpp | s/row.strNumber = \*arrNumber\[i\];/row.strNumber = *arrNumber[i == 1 ? 0 : i];/
 a row forgets the contact's third number | WideseekRows.cpp | s/arrNumber\[i == 2 ? 1 : 2\]/arrNumber[1]/
 calls without name and number are offered | WideseekActionRecent.cpp | s/!row.IsBlank()/row.strExtra2 != "-"/
-a page has a row too many | WideseekRows.h | s/m_uNext++ < m_uCount/m_uNext++ <= m_uCount/
-a total is one too small | WideseekRows.h | s/static_cast<int>(MyIndex())/& - 1/
+a page has a row too many | WideseekRows.h | s/iIndex < m_iEnd/iIndex <= m_iEnd/
+a total is one too small | WideseekRows.h | s/return m_iTotal;/return m_iTotal - 1;/
 a narrowed page lacks its first row | WideseekActionNarrow.cpp | /::MyNarrowRows/,/^}/s/CPageCut cut(iFirst, /CPageCut cut(iFirst + 1, /
 rows of one name match alike | WideseekRows.h | s/return (a.strNumber == b.strNumber2 .*/return true ||/
 contacts of one number match alike | WideseekRows.h | s/if (a.strName != b.strName)/if (a.strName.empty())/

@@ -126,8 +126,7 @@ bool CWideseekAction::MyReSearch(std::string strKey, std::string strRawKey) {
             return true;
         }
         MyReSearchByType(item.strIdName, strKey, strRawKey);
-        MyCheckResult(strKey, strRawKey);
-        m_walk.AddNoted();
+        MyFinishMerge(strKey, strRawKey);
     }
     if (list.listItem.empty()) {
         MyCheckResult(strKey, strRawKey);
@@ -136,6 +135,11 @@ bool CWideseekAction::MyReSearch(std::string strKey, std::string strRawKey) {
 }
 
 // ---- is its page ready? ----
+
+void CWideseekAction::MyFinishMerge(const std::string& strKey, const std::string& strRawKey) {
+    MyCheckResult(strKey, strRawKey);
+    m_walk.AddNoted();
+}
 
 bool CWideseekAction::MyCheckResult(std::string strKey, std::string strRawKey) {
     if (!MyHasCallback()) {
@@ -262,8 +266,7 @@ void CWideseekAction::OnTaskActionCallbackLdap(NS_TA::CLdapAction* pAction) {
     MyMergeRows(*pBucket, listNew);
     MyRestoreCallback();
     pBucket->iState = RESULT_STATE_DONE;
-    MyCheckResult(pAction->GetKey(), strConverted);
-    m_walk.AddNoted();
+    MyFinishMerge(pAction->GetKey(), strConverted);
 }
 
 } // namespace NS_WS

@@ -107,6 +107,10 @@ private:
     bool MyIsSearchFromLast(std::string strKey, std::string strLastKey) const;
     bool MyReSearch(std::string strKey, std::string strRawKey) CH_REQUIRES(m_csWork);
     bool MyCheckResult(std::string strKey, std::string strRawKey) CH_REQUIRES(m_csWork);
+
+    // What a source has offered is in its bucket: has the page sent that it may complete, and only then records the
+    // rows in the filter, for which nobody waits.
+    void MyFinishMerge(const std::string& strKey, const std::string& strRawKey) CH_REQUIRES(m_csWork);
     void MyArmTimer() CH_REQUIRES(m_csWork);
     void MyKillTimer() CH_REQUIRES(m_csWork);
     unsigned int MyArmings() const;
@@ -158,7 +162,7 @@ private:
 
     void MyInsertResult(ResultData* pBucket, OxList<DirectorySearchData>& hitList) CH_REQUIRES(m_csWork);
 
-    // Whoever may have a page sent next records the rows that are noted here meanwhile: m_walk.AddNoted.
+    // Rows that somebody waits for are recorded by MyFinishMerge.
     void MyMergeRows(ResultData& bucket, std::list<ItemData>& listNew) CH_REQUIRES(m_csWork);
     bool MyIsFilterExist(const ItemData& item) CH_REQUIRES(m_csWork);
     bool MyAddFilter(const ItemData& item) CH_REQUIRES(m_csWork);

@@ -3,6 +3,7 @@
 #include "app/Gui/Logic/Wideseek/WideseekAction.h"
 #include "app/Gui/Logic/Wideseek/WideseekCfgData.h"
 #include "app/Gui/Logic/Wideseek/WideseekController.h"
+#include "app/Gui/Logic/Wideseek/WideseekFilterOrder.h"
 #include "app/Gui/Logic/Wideseek/WideseekInternal.h"
 #include "app/Gui/Logic/Wideseek/WideseekRows.h"
 #include "platform/AppLog.h"
@@ -170,7 +171,8 @@ void CWideseekAction::MyInsertResult(ResultData* pBucket, OxList<DirectorySearch
     MyMergeRows(*pBucket, listNew);
 }
 
-// The duplicate rule: for each row the filter is asked, and what it does not hold is recorded there and appended.
+// The duplicate rule: for each row the filter is asked, and what it does not hold is recorded there, if only later, and
+// appended.
 void CWideseekAction::MyMergeRows(ResultData& bucket, std::list<ItemData>& listNew) {
     const bool bWaited = MyHasCallback();
     for (const FilterPlace& place : InFilterOrder(listNew)) {

@@ -27,7 +27,10 @@ struct ItemData {
         : strName(strTheName), strNumber(strTheNumber) {}
 
     // By name, then by number, byte by byte; nothing else takes part. This order is the duplicate rule.
-    bool operator<(const ItemData& other) const;
+    bool operator<(const ItemData& other) const {
+        const int iName = strName.compare(other.strName);
+        return iName != 0 ? iName < 0 : strNumber < other.strNumber;
+    }
 
     // Neither name nor number: such a row is never shown.
     bool IsBlank() const { return strName.empty() && strNumber.empty(); }
@@ -63,7 +66,7 @@ struct ResultData {
     std::string strType; // source id
     int iState = RESULT_STATE_NONE;
     CRowPlaces places;      // of listItem's rows; forgotten by whoever changes listItem
-    std::size_t uBlank = 0; // how many of them are blank
+    std::size_t uBlank = 0; // how many of them are blank; no source of today offers such a row
 
     // How many rows are shown, if the state lets any be shown.
     std::size_t GetShown() const { return listItem.size() - uBlank; }

@@ -6,6 +6,7 @@
 #include "app/Gui/Logic/Wideseek/WideseekData.h"
 #include "platform/Ldap.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <list>
 #include <string>
@@ -53,33 +54,30 @@ bool IsMatch(const ItemData& item, const std::string& strKey, int iSearchMode);
 //     cut.GetTotal();
 class CPageCut {
 public:
-    CPageCut(int iFirst, int iEnd)
-        : m_uFirst(static_cast<unsigned int>(iFirst)), m_uCount(static_cast<unsigned int>(iEnd) - m_uFirst),
-          m_uNext(0U - m_uFirst) {}
+    CPageCut(int iFirst, int iEnd) : m_iFirst(iFirst), m_iEnd(iEnd) {}
 
     // True when the row is on the page. A blank row is not shown and not counted.
     bool Offer(const ItemData& item) {
         if (item.IsBlank()) {
             return false;
         }
-        return m_uNext++ < m_uCount;
+        const int iIndex = m_iTotal++;
+        return m_iFirst <= iIndex && iIndex < m_iEnd;
     }
 
     // How many rows come in front of the page from now on, and whether it holds none of all that come. Such rows need
     // not be offered: to count those that are shown will do.
-    std::size_t GetLead() const { return MyIndex() < m_uFirst ? m_uFirst - MyIndex() : 0; }
-    bool IsComplete() const { return MyIndex() >= m_uFirst + m_uCount; }
-    void Count(std::size_t uShownRows) { m_uNext += static_cast<unsigned int>(uShownRows); }
+    std::size_t GetLead() const { return static_cast<std::size_t>(std::max(m_iFirst - m_iTotal, 0)); }
+    bool IsComplete() const { return m_iTotal >= m_iEnd; }
+    void Count(std::size_t uShownRows) { m_iTotal += static_cast<int>(uShownRows); }
 
     // How many rows there are in all, of those offered or counted so far.
-    int GetTotal() const { return static_cast<int>(MyIndex()); }
+    int GetTotal() const { return m_iTotal; }
 
 private:
-    unsigned int MyIndex() const { return m_uNext + m_uFirst; }
-
-    unsigned int m_uFirst;
-    unsigned int m_uCount;
-    unsigned int m_uNext; // index of the next row, counted from the page's first one: before that a huge number
+    const int m_iFirst;
+    const int m_iEnd;
+    int m_iTotal = 0;
 };
 
 } // namespace NS_WS
