@@ -43,7 +43,7 @@ def check_programs(page, text):
     """What a preset builds is named behind a command that builds it, or in the same line."""
     for match in re.finditer(r"build/(\w+)/wideseek\w*", text):
         before = text[:text.find("\n", match.end())]
-        also = {"build/release/wideseek": "run", "build/dev/wideseek_tests": "test"}.get(match[0], "build")
+        also = "run" if match[0] == "build/release/wideseek" else "test" if match[0].endswith("_tests") else "build"
         if not re.search(rf"(build\.sh|check\.sh|--preset) {match[1]}\b|\./{also}\.sh", before):
             problems.append(f"{page.name}: nothing that precedes {match[0]} builds it")
 
