@@ -23,7 +23,7 @@ list_sources("local_directory_search", "ldap_search", "calllog_search", "remote_
 write("data/phone.ini", f"[features]\nFeaturesRecentCallEnable=1\n[ldap]\nmode=embedded\ndelay_ms={LDAP_DELAY}\n")
 write("contacts/local_directory.csv",
       "name,number1,number2,extra\nJed,5301,5302,Leeds\n渡辺 53,53039,,Kyoto\n".encode() +
-      b'"open,53\nBel\x07l 53\x1b[31m,5304,,x\nB\xffd,5305,,\n')
+      b'"open,53\nBel\x07l 53\x1b[31m\xc2\x9b5m,5304,,x\nB\xffd,5305,,\n')
 write("contacts/ldap_directory.csv", "name,number\nJed,5301\nLea,5309\n")
 write("contacts/call_log.csv", "time,direction,name,number,extra\n2026-01-02T10:00:00,out,,770,then\n"
       "2026-01-03T10:00:00,out,Kim,771,now\n2026-01-04T10:00:00,in,Ann,772,\n")
@@ -37,7 +37,8 @@ expect(list(first.values())[:6] == [1, "53", 0, 20, 5, False], f"the first page:
 expect(list(late.values())[:6] == [1, "53", 0, 20, 6, True], f"the late page: {late}")
 expect(names(late) == names(first) + ["Lea"], f"rows of the late page: {late}")
 expect(95 <= first["ms"] < late["ms"] >= LDAP_DELAY, f"times: first page {first['ms']}, late page {late['ms']} ms")
-expect(names(first)[3:] == ["Bel\x07l 53\x1b[31m", "B\ufffdd"], f"bytes that are no text: {names(first)}")
+expect(names(first)[3:] == ["Bel\x07l 53\x1b[31m\x9b5m", "B\ufffdd"], f"bytes that are no text: {names(first)}")
+expect(b"31m\\u009b5m" in type_keys("--json", "53").stdout, "JSON commands the terminal that it is read on")
 
 # Narrowing, a repeat, brackets, a pasted number; each page belongs to its request, only the last one has a late page.
 pages = lines("5", "53", "53", "[5/3]", "+5 (30)-1")
