@@ -1,6 +1,6 @@
 #!/usr/bin/env -S python3 -B
 """Runs the tool as a person or a script does, on a small phone of its own: what it prints, says and ends with."""
-import json, os, resource, signal, socket, subprocess, time, unicodedata
+import json, os, resource, shlex, signal, socket, subprocess, time, unicodedata
 
 from checking import ROOT, TOOL, column_of, expect, finish, list_sources, run, write
 
@@ -134,11 +134,15 @@ piped = type_keys("5").stderr
 expect(b"error: is not a file; put a regular file there" in piped and time.monotonic() - start < 10, f"a pipe: {piped}")
 
 # A new phone works at once, with the contacts that are put into it and the files that were there; nothing is lost.
-made = ROOT / "made"
+made = ROOT / "Ann's phone"
 (made / "config/contacts").mkdir(parents=True)
 (made / "config/contacts/remote_directory.csv").write_text("name,number\nRemy,5301\n")
 new = run("init", made)
 expect(new.returncode == 0 and b"remote_directory.csv  (was there" in new.stdout, f"a new phone: {new}")
+expect(shlex.split(new.stdout.decode().splitlines()[-1]) == [TOOL, "phone", "--root", str(made)], f"what to type next: {new}")
+cramped = run("init", ROOT / "cramped", restore_signals=False,
+              preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (500, 500)))  # not for the first file
+expect(cramped.returncode == 1 and not list(ROOT.glob("cramped/*/*/*")), f"parts of files are left: {cramped}")
 checked = run("check", "--root", made)
 expect(checked.returncode == 0 and b"warning" not in checked.stdout, f"a new phone's source list: {checked}")
 with open(made / "config/contacts/local_directory.csv", "a") as contacts:
