@@ -23,7 +23,7 @@ void printEscaped(std::ostream& out, std::int32_t codePoint) {
 
 void printJsonLine(std::ostream& out, const Json& object) {
     const std::string text = object.dump(-1, ' ', false, Json::error_handler_t::replace);
-    std::string_view harmless(text.data(), 0);
+    std::string_view harmless = std::string_view(text).substr(0, 0);
     for (std::string_view rest = text; !rest.empty();) {
         const host::text::Character character = host::text::takeFirst(rest);
         if (isHarmless(character.codePoint)) {
@@ -31,7 +31,7 @@ void printJsonLine(std::ostream& out, const Json& object) {
         } else {
             out << harmless;
             printEscaped(out, character.codePoint);
-            harmless = {rest.data(), 0};
+            harmless = rest.substr(0, 0);
         }
     }
     out << harmless << '\n';
