@@ -7,4 +7,5 @@ home=$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")" && pwd)
 "$home/scripts/install-deps.sh" run
 "$home/scripts/build.sh" release wideseek
 
-exec "$home/build/release/wideseek" "$@"
+# By its own name, which the tool gives to the commands that it says can be typed next.
+exec -a "$0" "$home/build/release/wideseek" "$@"

@@ -1,6 +1,6 @@
 #!/usr/bin/env -S python3 -B
 """Runs the tool as a person or a script does, on a small phone of its own: what it prints, says and ends with."""
-import json, os, resource, signal, socket, subprocess, time, unicodedata
+import json, os, resource, shlex, signal, socket, subprocess, time, unicodedata
 
 from checking import ROOT, TOOL, column_of, expect, finish, list_sources, run, write
 
@@ -23,7 +23,7 @@ list_sources("local_directory_search", "ldap_search", "calllog_search", "remote_
 write("data/phone.ini", f"[features]\nFeaturesRecentCallEnable=1\n[ldap]\nmode=embedded\ndelay_ms={LDAP_DELAY}\n")
 write("contacts/local_directory.csv",
       "name,number1,number2,extra\nJed,5301,5302,Leeds\n渡辺 53,53039,,Kyoto\n".encode() +
-      b'"open,53\nBel\x07l 53\x1b[31m,5304,,x\nB\xffd,5305,,\n')
+      b'"open,53\nBel\x07l 53\x1b[31m\xc2\x9b5m,5304,,x\nB\xffd,5305,,\n')
 write("contacts/ldap_directory.csv", "name,number\nJed,5301\nLea,5309\n")
 write("contacts/call_log.csv", "time,direction,name,number,extra\n2026-01-02T10:00:00,out,,770,then\n"
       "2026-01-03T10:00:00,out,Kim,771,now\n2026-01-04T10:00:00,in,Ann,772,\n")
@@ -37,7 +37,8 @@ expect(list(first.values())[:6] == [1, "53", 0, 20, 5, False], f"the first page:
 expect(list(late.values())[:6] == [1, "53", 0, 20, 6, True], f"the late page: {late}")
 expect(names(late) == names(first) + ["Lea"], f"rows of the late page: {late}")
 expect(95 <= first["ms"] < late["ms"] >= LDAP_DELAY, f"times: first page {first['ms']}, late page {late['ms']} ms")
-expect(names(first)[3:] == ["Bel\x07l 53\x1b[31m", "B\ufffdd"], f"bytes that are no text: {names(first)}")
+expect(names(first)[3:] == ["Bel\x07l 53\x1b[31m\x9b5m", "B\ufffdd"], f"bytes that are no text: {names(first)}")
+expect(b"31m\\u009b5m" in type_keys("--json", "53").stdout, "JSON commands the terminal that it is read on")
 
 # Narrowing, a repeat, brackets, a pasted number; each page belongs to its request, only the last one has a late page.
 pages = lines("5", "53", "53", "[5/3]", "+5 (30)-1")
@@ -133,11 +134,15 @@ piped = type_keys("5").stderr
 expect(b"error: is not a file; put a regular file there" in piped and time.monotonic() - start < 10, f"a pipe: {piped}")
 
 # A new phone works at once, with the contacts that are put into it and the files that were there; nothing is lost.
-made = ROOT / "made"
+made = ROOT / "Ann's phone"
 (made / "config/contacts").mkdir(parents=True)
 (made / "config/contacts/remote_directory.csv").write_text("name,number\nRemy,5301\n")
 new = run("init", made)
 expect(new.returncode == 0 and b"remote_directory.csv  (was there" in new.stdout, f"a new phone: {new}")
+expect(shlex.split(new.stdout.decode().splitlines()[-1]) == [TOOL, "phone", "--root", str(made)], f"what to type next: {new}")
+cramped = run("init", ROOT / "cramped", restore_signals=False,
+              preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (500, 500)))  # not for the first file
+expect(cramped.returncode == 1 and not list(ROOT.glob("cramped/*/*/*")), f"parts of files are left: {cramped}")
 checked = run("check", "--root", made)
 expect(checked.returncode == 0 and b"warning" not in checked.stdout, f"a new phone's source list: {checked}")
 with open(made / "config/contacts/local_directory.csv", "a") as contacts:

@@ -9,9 +9,8 @@ namespace wideseek {
 
 using Json = nlohmann::ordered_json;
 
-// Bytes that are not UTF-8 become U+FFFD.
-inline void printJsonLine(std::ostream& out, const Json& object) {
-    out << object.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
-}
+// Bytes that are not UTF-8 become U+FFFD. What a terminal would obey is written as \u and four digits (RFC 8259,
+// section 7), as scripts are tried out on terminals.
+void printJsonLine(std::ostream& out, const Json& object);
 
 } // namespace wideseek

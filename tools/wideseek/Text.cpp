@@ -20,19 +20,19 @@ constexpr std::size_t widestColumn = 40;
 
 constexpr std::string_view gap = "  ";
 
-bool isHarmless(std::int32_t code) {
-    if (code < 0 || (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069)) {
-        return false;
-    }
-    const utf8proc_category_t category = utf8proc_category(code);
-    return category != UTF8PROC_CATEGORY_CC && category != UTF8PROC_CATEGORY_ZL && category != UTF8PROC_CATEGORY_ZP;
-}
-
 void pad(std::ostream& out, std::size_t width) {
     out << std::string(width, ' ');
 }
 
 } // namespace
+
+bool isHarmless(std::int32_t codePoint) {
+    if (codePoint < 0 || (codePoint >= 0x202A && codePoint <= 0x202E) || (codePoint >= 0x2066 && codePoint <= 0x2069)) {
+        return false;
+    }
+    const utf8proc_category_t category = utf8proc_category(codePoint);
+    return category != UTF8PROC_CATEGORY_CC && category != UTF8PROC_CATEGORY_ZL && category != UTF8PROC_CATEGORY_ZP;
+}
 
 std::string printable(std::string_view text) {
     std::string result;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -9,8 +10,11 @@
 
 namespace wideseek {
 
-// text (UTF-8 as a rule) without what a terminal would obey or choke on: control characters, changes of the writing
-// direction, line and paragraph separators, and bytes that are not UTF-8 each become U+FFFD.
+// False for what a terminal would obey or choke on: control characters, changes of the writing direction, line and
+// paragraph separators, and -1 for a byte that is not UTF-8.
+bool isHarmless(std::int32_t codePoint);
+
+// text (UTF-8 as a rule) with U+FFFD for each character and byte that is not harmless.
 std::string printable(std::string_view text);
 
 // The columns that a printable text takes in a terminal: 2 for a wide character, 0 for one that combines.

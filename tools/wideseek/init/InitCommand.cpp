@@ -2,6 +2,7 @@
 
 #include "host/contacts/ContactPlace.h"
 #include "tools/wideseek/ExitCode.h"
+#include "tools/wideseek/NextCommand.h"
 #include "tools/wideseek/PhoneArguments.h"
 #include "tools/wideseek/Text.h"
 #include "tools/wideseek/import/ImportCommand.h"
@@ -23,7 +24,7 @@ namespace fs = std::filesystem;
 
 std::runtime_error cannotWrite(const fs::path& path, const std::error_code& error) {
     return std::runtime_error(printable(path.string()) + ": cannot be made (" + error.message() +
-                              "); name a folder that you may write to");
+                              "); name a folder that you may write to and that has room");
 }
 
 void makeFolder(const fs::path& folder) {
@@ -34,15 +35,21 @@ void makeFolder(const fs::path& folder) {
     }
 }
 
-// False: the file is there already, and stays as it is.
+// False: the file is there already, and stays as it is. One that cannot be written whole is taken away again, as the
+// next attempt would take it for the user's own.
 bool makeFile(const fs::path& path, std::string_view content) {
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "wxe"), &std::fclose);
     if (!file && errno == EEXIST) {
         return false;
     }
-    if (!file || std::fwrite(content.data(), 1, content.size(), file.get()) != content.size() ||
-        std::fflush(file.get()) != 0) {
-        throw cannotWrite(path, {errno, std::generic_category()});
+    const bool isWritten = file && std::fwrite(content.data(), 1, content.size(), file.get()) == content.size() &&
+                           std::fflush(file.get()) == 0;
+    if (!isWritten) {
+        const std::error_code reason(errno, std::generic_category());
+        if (file) {
+            std::remove(path.c_str());
+        }
+        throw cannotWrite(path, reason);
     }
     return true;
 }
@@ -98,8 +105,8 @@ int makePhone(const InitArguments& arguments) {
     int code = exitCode::success;
     if (arguments.from.empty()) {
         std::cout << "Put your contacts into " << printable((contacts / sourceFiles[0].file).string())
-                  << ", or bring in what other programs have written:\n  wideseek import --root " << shown
-                  << " FILE...\nThen search them:\n";
+                  << ", or bring in what other programs have written:\n  "
+                  << nextCommand({"import", "--root", arguments.folder}) << " FILE...\nThen search them:\n";
     } else {
         ImportArguments import;
         import.files = arguments.from;
@@ -107,7 +114,7 @@ int makePhone(const InitArguments& arguments) {
         code = importContacts(import);
         std::cout << "Search them:\n";
     }
-    std::cout << "  wideseek phone --root " << shown << '\n';
+    std::cout << "  " << nextCommand({"phone", "--root", arguments.folder}) << '\n';
     return code;
 }
 

@@ -2,6 +2,7 @@
 
 #include "tools/wideseek/ExitCode.h"
 #include "tools/wideseek/Interrupt.h"
+#include "tools/wideseek/NextCommand.h"
 #include "tools/wideseek/Text.h"
 #include "tools/wideseek/type/PagePrinter.h"
 #include "tools/wideseek/type/Session.h"
@@ -42,18 +43,21 @@ total, and the time from key to page. Contacts come from the phone itself, its c
 the phone's buddies, a remote directory, and from LDAP, which answers later and then sends a second page.
 )";
 
-constexpr const char* hint = R"(Next:
-  ./run.sh type --count 5 5 53 533          type your own keys
-  ./run.sh type --trace ann                 see what each source was asked and how long it took
-  ./run.sh type --json 5 | head -1          pages for scripts
-  ./run.sh type --help                      all that it can do
-)";
-
 bool sameRows(const WideseekListData& one, const WideseekListData& other) {
     return std::equal(one.listItem.begin(), one.listItem.end(), other.listItem.begin(), other.listItem.end(),
                       [](const WideseekItemData& a, const WideseekItemData& b) {
                           return a.strName == b.strName && a.strNumber == b.strNumber;
                       });
+}
+
+void printHint() {
+    Table table({Table::Align::left, Table::Align::left});
+    table.add({nextCommand({"type", "--count", "5", "5", "53", "533"}), "type your own keys"});
+    table.add({nextCommand({"type", "--trace", "ann"}), "see what each source was asked and how long it took"});
+    table.add({nextCommand({"type", "--json", "5"}) + " | head -1", "pages for scripts"});
+    table.add({nextCommand({"type", "--help"}), "all that it can do"});
+    std::cout << "Next:\n";
+    table.print(std::cout, 2);
 }
 
 // Prints pages. A late page with the same rows as the page before it is its title alone.
@@ -96,7 +100,7 @@ int showDemo(const PhoneArguments& arguments) {
             return exitCode::failure;
         }
     }
-    std::cout << hint;
+    printHint();
     return exitCode::success;
 }
 
