@@ -313,7 +313,7 @@ private:
             if (auto number = text::dialableNumber(m_attribute.strValue)) {
                 m_attribute.strValue = std::move(*number);
             } else {
-                problem(shown(m_attribute.strValue) + " is no number that can be dialled");
+                problem(notDialable(m_attribute.strValue));
             }
         }
         m_buddy.listAttr.push_back(std::move(m_attribute));

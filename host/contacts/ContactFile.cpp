@@ -58,8 +58,7 @@ std::string readNumber(CsvReader& reader, std::string_view number) {
     if (auto dialable = text::dialableNumber(number)) {
         return *std::move(dialable);
     }
-    reader.addProblem(shown(number) +
-                      " is not a number that can be dialled - use digits, *, # and a + in front; kept as it is");
+    reader.addProblem(notDialable(number));
     return std::string(number);
 }
 

@@ -26,6 +26,10 @@ std::string shown(std::string_view text) {
     return "\"" + shortened(text, longestShown) + "\"";
 }
 
+std::string notDialable(std::string_view number) {
+    return shown(number) + " is not a number that can be dialled - use digits, *, # and a + in front; kept as it is";
+}
+
 void Problems::add(std::string_view place, std::string_view reason) {
     if (m_list.size() < most) {
         m_list.push_back((m_file + ":").append(place).append(": ") + shortened(reason, longestReason));

@@ -1,7 +1,7 @@
 // The problems of one file, as people read them: so many at most, each of a length that fits on some lines.
 //
 //     Problems problems("contacts.csv");
-//     problems.add(7, shown(field) + " is not a number that can be dialled - use digits");
+//     problems.add(7, notDialable(field));
 #pragma once
 
 #include <cstddef>
@@ -11,6 +11,9 @@
 #include <vector>
 
 namespace host {
+
+// The problem of a number that is kept although nobody can dial it; the number is what is shown.
+std::string notDialable(std::string_view number);
 
 // Text of a file within quotation marks, shortened when it is long; never in the middle of a character.
 std::string shown(std::string_view text);

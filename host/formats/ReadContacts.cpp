@@ -100,8 +100,7 @@ void ContactBuilder::addNumber(std::string_view number, NumberKind kind, std::si
                                  " numbers of a contact - make several contacts of it; left out");
     } else {
         if (!text::dialableNumber(taken)) {
-            m_problems.add(line, shown(taken) + " is not a number that can be dialled - use digits, *, # and a + in "
-                                                "front; kept as it is");
+            m_problems.add(line, notDialable(taken));
         }
         m_contact.numbers.push_back({std::move(taken), kind});
     }

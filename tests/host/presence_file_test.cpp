@@ -79,10 +79,11 @@ TEST_F(PresenceFile, WhatIsWrongIsReportedOnceAndTheRestIsKept) {
         {"id": 9, "attributes": [{"type": 2, "value": "extension 7"}]}, {"id": 10, "info": 1.5}, {"id": 11}])");
     EXPECT_EQ(idsOf(file, ""), "1 9 11 ");
     EXPECT_EQ(idsOf(file, ""), "1 9 11 ");
-    const char* const reasons[] = {"2: is no object",      "3: \"id\" is missing", "4: \"id\" is not",
-                                   "5: the id 1 is taken", "6: \"id\" is not",     "7: \"name\" is not",
-                                   "8: \"attributes\" is", "9: an attribute is",   "10: \"extension 7\" is no number",
-                                   "11: \"info\" is not"};
+    const char* const reasons[] = {
+        "2: is no object",      "3: \"id\" is missing", "4: \"id\" is not",
+        "5: the id 1 is taken", "6: \"id\" is not",     "7: \"name\" is not",
+        "8: \"attributes\" is", "9: an attribute is",   "10: \"extension 7\" is not a number",
+        "11: \"info\" is not"};
     ASSERT_EQ(problems.size(), std::size(reasons));
     for (std::size_t i = 0; i < problems.size(); ++i) {
         EXPECT_NE(problems[i].find(std::string("b.json:entry ") + reasons[i]), std::string::npos) << problems[i];

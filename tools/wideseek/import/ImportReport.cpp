@@ -71,7 +71,7 @@ void printReport(std::ostream& out, std::ostream& errors, const ImportReport& re
     if (added + merged == 0) {
         out << "is as it was\n";
     } else {
-        out << added << " contacts added, " << merged << " extended"
+        out << added << (added == 1 ? " contact added, " : " contacts added, ") << merged << " extended"
             << (report.dryRun ? " if it were not for --dry-run; it is as it was" : "") << '\n';
     }
     if (!report.hint.empty()) {
