@@ -14,9 +14,9 @@ scripts/install-deps.sh run arm
 scripts/arm-sysroot.sh
 mkdir -p "$results"
 {
-    cmake --preset arm -B build/arm-bench -DWIDESEEK_BENCH=ON -DWIDESEEK_TESTS=OFF
-    cmake --build build/arm-bench --target wideseek_phone_bench
-    g++ -std=c++20 -O2 -fPIC -shared -o "$results/count.so" bench/emulator/InstructionCount.cpp
+    cmake --preset arm -B build/arm-bench -DWIDESEEK_BENCH=ON -DWIDESEEK_TESTS=OFF &&
+        cmake --build build/arm-bench --target wideseek_phone_bench &&
+        g++ -std=c++20 -O2 -fPIC -shared -o "$results/count.so" bench/emulator/InstructionCount.cpp
 } >"$results/log" 2>&1 || { cat "$results/log" >&2 && exit 1; }
 
 qemu-arm -plugin "$results/count.so" -d plugin -D "$results/counts.txt" -L "/usr/$triplet" \

@@ -11,7 +11,7 @@ namespace host {
 namespace {
 
 std::uint16_t markOf(std::size_t nameHash, std::string_view number) {
-    std::size_t hash = nameHash * 31 + std::hash<std::string_view>()(number);
+    std::uint64_t hash = nameHash * std::uint64_t{31} + std::hash<std::string_view>()(number);
     hash ^= hash >> 17U;
     return static_cast<std::uint16_t>(hash ^ hash >> 32U);
 }
