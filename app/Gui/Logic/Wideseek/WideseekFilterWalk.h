@@ -56,8 +56,8 @@ public:
     // Takes them out. False when they are not there. What was noted is recorded before.
     bool Remove(const ItemData& item);
 
-    // The row that Holds was asked for last, and did not hold, is recorded by AddNoted. It stays where it is until
-    // then.
+    // The row that Holds was asked for last, and did not hold, is recorded by AddNoted. Until then it may move to
+    // another list, but must not go.
     void Note(std::list<ItemData>::const_iterator itRow);
     void AddNoted();
 
