@@ -91,19 +91,11 @@ KnownContact ContactTable::unpacked(std::size_t details) const {
 }
 
 KnownContact ContactTable::knownAt(std::size_t position) const {
-    std::size_t low = 0; // the details before it are of contacts at the position or before
-    for (std::size_t high = m_detailsOf.size(); low < high;) {
-        const std::size_t middle = low + (high - low) / 2;
-        if (m_detailsOf[middle] <= position) {
-            low = middle + 1;
-        } else {
-            high = middle;
-        }
-    }
-    if (low > 0) {
-        const std::size_t numbers = PackedText(m_details[low - 1]).size();
-        if (position < m_detailsOf[low - 1] + positionsFor(numbers)) {
-            return unpacked(low - 1);
+    const std::size_t begun = m_detailsOf.countInFront([&](std::uint32_t first) { return first <= position; });
+    if (begun > 0) {
+        const std::size_t numbers = PackedText(m_details[begun - 1]).size();
+        if (position < m_detailsOf[begun - 1] + positionsFor(numbers)) {
+            return unpacked(begun - 1);
         }
     }
     return knownContactOf(at(position));

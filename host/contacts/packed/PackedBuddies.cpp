@@ -43,16 +43,8 @@ std::optional<std::size_t> PackedBuddies::positionOf(int id) const {
         const auto at = m_positions.find(id);
         return at == m_positions.end() ? std::nullopt : std::optional<std::size_t>(at->second);
     }
-    std::size_t low = 0; // the ids before it are smaller
-    for (std::size_t high = m_ids.size(); low < high;) {
-        const std::size_t middle = low + (high - low) / 2;
-        if (m_ids[middle] < id) {
-            low = middle + 1;
-        } else {
-            high = middle;
-        }
-    }
-    return low < m_ids.size() && m_ids[low] == id ? std::optional(low) : std::nullopt;
+    const std::size_t smaller = m_ids.countInFront([&](int each) { return each < id; });
+    return smaller < m_ids.size() && m_ids[smaller] == id ? std::optional(smaller) : std::nullopt;
 }
 
 PresenceInfo PackedBuddies::at(std::size_t position) const {

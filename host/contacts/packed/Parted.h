@@ -23,6 +23,20 @@ public:
     std::size_t size() const { return m_size; }
     Item operator[](std::size_t position) const { return m_parts[position / perPart][position % perPart]; }
 
+    // How many items are in front, which isInFront says of them and of no item behind them. Found by halving.
+    template <typename InFront> std::size_t countInFront(InFront isInFront) const {
+        std::size_t low = 0;
+        for (std::size_t high = m_size; low < high;) {
+            const std::size_t middle = low + (high - low) / 2;
+            if (isInFront((*this)[middle])) {
+                low = middle + 1;
+            } else {
+                high = middle;
+            }
+        }
+        return low;
+    }
+
     // Each a list of its own, in their order.
     const std::vector<std::vector<Item>>& parts() const { return m_parts; }
 

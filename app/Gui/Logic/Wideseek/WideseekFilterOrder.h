@@ -23,7 +23,7 @@ struct FilterPlace {
     std::list<ItemData>::const_iterator itRow;
 };
 
-// Rows lie far apart in memory. What is looked at first of the rows a few places on is on its way from now on.
+// What is looked at first of the rows a few places on is on its way from now on.
 template <typename Place> void FetchAhead(const Place* pPlace, const Place* pEnd) {
     constexpr std::ptrdiff_t ROWS_AHEAD = 16;
     constexpr std::ptrdiff_t NAMES_AHEAD = 8;
